@@ -1,0 +1,87 @@
+# Helpers that give every target of the project the same warnings, sanitizers and include root.
+
+add_library(pulsebar_options INTERFACE)
+target_include_directories(pulsebar_options INTERFACE "${PROJECT_SOURCE_DIR}/src")
+target_compile_options(pulsebar_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
+  -Woverloaded-virtual -Wold-style-cast -Wcast-align -Wformat=2 -Wnull-dereference)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # g++ 12 reports null dereferences inside Qt's inlined containers at -O2.
+  target_compile_options(pulsebar_options INTERFACE -Wno-null-dereference)
+endif()
+if(PULSEBAR_WERROR)
+  target_compile_options(pulsebar_options INTERFACE -Werror)
+endif()
+if(PULSEBAR_SANITIZE)
+  target_compile_options(pulsebar_options INTERFACE
+    -fsanitize=${PULSEBAR_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(pulsebar_options INTERFACE -fsanitize=${PULSEBAR_SANITIZE})
+endif()
+if(PULSEBAR_COVERAGE)
+  target_compile_options(pulsebar_options INTERFACE --coverage)
+  target_link_options(pulsebar_options INTERFACE --coverage)
+endif()
+if(PULSEBAR_FUZZ)
+  target_compile_options(pulsebar_options INTERFACE -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all)
+  target_link_options(pulsebar_options INTERFACE -fsanitize=address,undefined)
+endif()
+# Qt's own macros for foreach, signals and slots stay out of headers shared with other libraries.
+target_compile_definitions(pulsebar_options INTERFACE
+  QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+
+# pulsebar_library(name [QT] SOURCES ... LIBS ...): one static library per folder. QT turns moc on.
+function(pulsebar_library name)
+  cmake_parse_arguments(arg "QT" "" "SOURCES;LIBS" ${ARGN})
+  add_library(${name} STATIC ${arg_SOURCES})
+  target_link_libraries(${name} PUBLIC pulsebar_options ${arg_LIBS})
+  set_target_properties(${name} PROPERTIES AUTOMOC ${arg_QT})
+endfunction()
+
+# pulsebar_program(name [QT] [LIBEXEC] SOURCES ... LIBS ...): LIBEXEC programs go where helpers are looked up.
+function(pulsebar_program name)
+  cmake_parse_arguments(arg "QT;LIBEXEC" "" "SOURCES;LIBS" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE pulsebar_options ${arg_LIBS})
+  set_target_properties(${name} PROPERTIES AUTOMOC ${arg_QT})
+  if(arg_LIBEXEC)
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PULSEBAR_LIBEXEC_BUILD_DIR}")
+    install(TARGETS ${name} DESTINATION "${PULSEBAR_LIBEXEC_INSTALL_DIR}")
+  else()
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+    install(TARGETS ${name} DESTINATION "${CMAKE_INSTALL_BINDIR}")
+  endif()
+endfunction()
+
+# pulsebar_test(name [QT] SOURCES ... LIBS ... [MAIN lib]): a GoogleTest program whose cases are
+# separate CTest tests with the label "quick". MAIN replaces gtest_main (a Qt program brings its own).
+function(pulsebar_test name)
+  cmake_parse_arguments(arg "QT" "MAIN" "SOURCES;LIBS" ${ARGN})
+  if(NOT arg_MAIN)
+    set(arg_MAIN GTest::gtest_main)
+  endif()
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE pulsebar_options ${arg_LIBS} GTest::gmock GTest::gtest ${arg_MAIN})
+  target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests" "${PROJECT_SOURCE_DIR}/helpers")
+  target_compile_definitions(${name} PRIVATE PULSEBAR_FIXTURES="${PROJECT_SOURCE_DIR}/tests/fixtures")
+  set_target_properties(${name} PROPERTIES AUTOMOC ${arg_QT} RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
+  gtest_discover_tests(${name} PROPERTIES LABELS quick TIMEOUT 60 DISCOVERY_TIMEOUT 30
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
+endfunction()
+
+# pulsebar_fuzzer(name SOURCES ... LIBS ...): a libFuzzer program with its seeds in fuzz/corpus/<name>/.
+function(pulsebar_fuzzer name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
+  add_executable(fuzz_${name} ${arg_SOURCES})
+  target_link_libraries(fuzz_${name} PRIVATE pulsebar_options ${arg_LIBS} -fsanitize=fuzzer)
+  target_include_directories(fuzz_${name} PRIVATE "${PROJECT_SOURCE_DIR}/helpers")
+  set_target_properties(fuzz_${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/fuzz")
+endfunction()
+
+# pulsebar_benchmark(name SOURCES ... LIBS ...)
+function(pulsebar_benchmark name)
+  cmake_parse_arguments(arg "QT" "" "SOURCES;LIBS" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE pulsebar_options ${arg_LIBS} benchmark::benchmark)
+  target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/helpers")
+  set_target_properties(${name} PROPERTIES AUTOMOC ${arg_QT} RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bench")
+endfunction()

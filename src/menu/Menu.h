@@ -1,0 +1,76 @@
+#pragma once
+
+#include <QString>
+#include <QVariant>
+#include <QVector>
+
+#include <memory>
+
+namespace pulsebar {
+
+class Menu;
+
+/// What the check column of an item shows.
+enum class ItemState { Off, On, Mixed };
+
+/// Who carries out an item's action.
+enum class ItemTarget { None, Controller, Monitor, Application };
+
+/// One row of a menu, as a value. Titles are plain text: `_` and `&` stand for themselves.
+struct MenuItem
+{
+    QString title;
+    /// Name of the operation, such as "changeListMax"; empty for a row that does nothing.
+    QString action;
+    ItemTarget target = ItemTarget::None;
+    int tag = 0;
+    ItemState state = ItemState::Off;
+    /// True when the state column stands for one choice of several (drawn as a radio mark).
+    bool exclusive = false;
+    bool enabled = true;
+    bool separator = false;
+    /// Number of blanks-wide steps by which the title is moved in.
+    int indentation = 0;
+    /// Name of a themed icon, or the absolute path of an image file; empty for none.
+    QString image;
+    /// Name of the widget shown in place of the title where the menu is drawn by ourselves.
+    QString view;
+    /// Carried along for the action, never shown.
+    QVariant representedObject;
+    std::shared_ptr<const Menu> submenu;
+
+    static MenuItem separatorItem();
+};
+
+/// An ordered list of rows with a title of its own.
+class Menu
+{
+public:
+    Menu() = default;
+    explicit Menu(QString title);
+
+    const QString &title() const { return m_title; }
+    const QVector<MenuItem> &items() const { return m_items; }
+    bool isEmpty() const { return m_items.isEmpty(); }
+
+    void addItem(MenuItem item);
+    void removeAllItems();
+
+private:
+    QString m_title;
+    QVector<MenuItem> m_items;
+};
+
+/// Fills a menu right before it is shown, and carries out what the user chose.
+class MenuDelegate
+{
+public:
+    virtual ~MenuDelegate() = default;
+    /// Replaces the items of `menu` with those for this moment.
+    virtual void menuNeedsUpdate(Menu &menu) = 0;
+    /// Carries out `item`'s action. `modifiers` are the keys held at the click
+    /// (none when the panel that drew the menu does not tell).
+    virtual void performAction(const MenuItem &item, Qt::KeyboardModifiers modifiers) = 0;
+};
+
+} // namespace pulsebar
