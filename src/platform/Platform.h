@@ -1,0 +1,26 @@
+#pragma once
+
+#include "platform/Counters.h"
+#include "platform/ProcessIcons.h"
+#include "platform/SystemFacts.h"
+
+#include <memory>
+
+namespace pulsebar {
+
+/// Everything the program asks of an operating system, one contract per member. No member is
+/// null: what a system does not offer is an object that answers "nothing here". A port provides
+/// one function, makePlatform(), and the objects behind it.
+struct Platform
+{
+    std::unique_ptr<CoreTicksSource> coreTicks;
+    std::unique_ptr<InterfaceCountersSource> interfaceCounters;
+    std::unique_ptr<DiskCountersSource> diskCounters;
+    std::unique_ptr<SystemFacts> systemFacts;
+    std::unique_ptr<ProcessIcons> processIcons;
+};
+
+/// The platform this build is for. Opens no file and no socket before something is asked.
+std::unique_ptr<Platform> makePlatform();
+
+} // namespace pulsebar

@@ -1,0 +1,18 @@
+#include "platform/linux_/LinuxPlatform.h"
+
+#include "platform/linux_/KernelFacts.h"
+#include "platform/linux_/ProcCoreTicks.h"
+#include "platform/linux_/SysBlockDisks.h"
+
+namespace pulsebar {
+
+std::unique_ptr<Platform> makeLinuxPlatform(const Sysroot &root)
+{
+    auto platform = std::make_unique<Platform>();
+    platform->coreTicks = std::make_unique<ProcCoreTicks>(root);
+    platform->diskCounters = std::make_unique<SysBlockDisks>(root);
+    platform->systemFacts = std::make_unique<KernelFacts>(root);
+    return platform;
+}
+
+} // namespace pulsebar

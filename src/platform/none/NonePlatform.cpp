@@ -1,0 +1,54 @@
+#include "platform/none/NonePlatform.h"
+
+namespace pulsebar {
+
+namespace {
+
+class NoCoreTicks : public CoreTicksSource
+{
+public:
+    std::optional<std::vector<CoreTicks>> readCoreTicks() override { return std::nullopt; }
+};
+
+class NoInterfaceCounters : public InterfaceCountersSource
+{
+public:
+    std::optional<std::vector<InterfaceCounters>> readInterfaceCounters() override
+    {
+        return std::nullopt;
+    }
+};
+
+class NoDiskCounters : public DiskCountersSource
+{
+public:
+    std::optional<std::vector<DiskCounters>> readDiskCounters() override { return std::nullopt; }
+};
+
+class NoSystemFacts : public SystemFacts
+{
+public:
+    std::optional<std::string> text(int) const override { return std::nullopt; }
+    std::optional<std::int64_t> number(int) const override { return std::nullopt; }
+};
+
+class NoProcessIcons : public ProcessIcons
+{
+public:
+    QString iconForPID(const QString &) override { return {}; }
+};
+
+} // namespace
+
+std::unique_ptr<Platform> makeNonePlatform()
+{
+    auto platform = std::make_unique<Platform>();
+    platform->coreTicks = std::make_unique<NoCoreTicks>();
+    platform->interfaceCounters = std::make_unique<NoInterfaceCounters>();
+    platform->diskCounters = std::make_unique<NoDiskCounters>();
+    platform->systemFacts = std::make_unique<NoSystemFacts>();
+    platform->processIcons = std::make_unique<NoProcessIcons>();
+    return platform;
+}
+
+} // namespace pulsebar
