@@ -1,5 +1,14 @@
 # Helpers that give every target of the project the same warnings, sanitizers and include root.
 
+# A second build of the same sources (another preset, another clone) takes its objects from the cache.
+if(NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  find_program(PULSEBAR_CCACHE ccache)
+  if(PULSEBAR_CCACHE)
+    set(CMAKE_CXX_COMPILER_LAUNCHER
+      env "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}" CCACHE_NOHASHDIR=1 "${PULSEBAR_CCACHE}")
+  endif()
+endif()
+
 add_library(pulsebar_options INTERFACE)
 target_include_directories(pulsebar_options INTERFACE "${PROJECT_SOURCE_DIR}/src")
 target_compile_options(pulsebar_options INTERFACE
@@ -52,20 +61,51 @@ function(pulsebar_program name)
   endif()
 endfunction()
 
-# pulsebar_test(name [QT] SOURCES ... LIBS ... [MAIN lib]): a GoogleTest program whose cases are
-# separate CTest tests with the label "quick". MAIN replaces gtest_main (a Qt program brings its own).
+# What every test finds in its environment: no screen, a fixed locale, sanitizers that stop at the first report.
+set(PULSEBAR_TEST_ENVIRONMENT
+  "QT_QPA_PLATFORM=offscreen"
+  "LC_ALL=C.UTF-8"
+  "ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1"
+  "UBSAN_OPTIONS=print_stacktrace=1"
+  "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0")
+
+# pulsebar_test(name [QT] SOURCES ... LIBS ... [MAIN lib] [LABEL label] [TIMEOUT seconds] [ENVIRONMENT NAME=value ...]):
+# a GoogleTest program whose cases are separate CTest tests. The label is "quick" unless said otherwise
+# ("e2e": the real program on a private bus and display). MAIN replaces gtest_main (a Qt program brings its own).
 function(pulsebar_test name)
-  cmake_parse_arguments(arg "QT" "MAIN" "SOURCES;LIBS" ${ARGN})
+  cmake_parse_arguments(arg "QT" "MAIN;LABEL;TIMEOUT" "SOURCES;LIBS;ENVIRONMENT" ${ARGN})
   if(NOT arg_MAIN)
     set(arg_MAIN GTest::gtest_main)
+  endif()
+  if(NOT arg_LABEL)
+    set(arg_LABEL quick)
+  endif()
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 60)
   endif()
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE pulsebar_options ${arg_LIBS} GTest::gmock GTest::gtest ${arg_MAIN})
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests" "${PROJECT_SOURCE_DIR}/helpers")
   target_compile_definitions(${name} PRIVATE PULSEBAR_FIXTURES="${PROJECT_SOURCE_DIR}/tests/fixtures")
   set_target_properties(${name} PROPERTIES AUTOMOC ${arg_QT} RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
-  gtest_discover_tests(${name} PROPERTIES LABELS quick TIMEOUT 60 DISCOVERY_TIMEOUT 30
-    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8")
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
+    PROPERTIES LABELS ${arg_LABEL} TIMEOUT ${arg_TIMEOUT}
+    ENVIRONMENT "${PULSEBAR_TEST_ENVIRONMENT};${arg_ENVIRONMENT}")
+endfunction()
+
+# pulsebar_script_test(name COMMAND ... [LABEL label] [TIMEOUT seconds] [ENVIRONMENT NAME=value ...]):
+# a CTest test that runs a command and looks at its exit code.
+function(pulsebar_script_test name)
+  cmake_parse_arguments(arg "" "LABEL;TIMEOUT" "COMMAND;ENVIRONMENT" ${ARGN})
+  if(NOT arg_LABEL)
+    set(arg_LABEL quick)
+  endif()
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 60)
+  endif()
+  add_test(NAME ${name} COMMAND ${arg_COMMAND})
+  set_tests_properties(${name} PROPERTIES LABELS ${arg_LABEL} TIMEOUT ${arg_TIMEOUT}
+    ENVIRONMENT "${PULSEBAR_TEST_ENVIRONMENT};${arg_ENVIRONMENT}")
 endfunction()
 
 # pulsebar_fuzzer(name SOURCES ... LIBS ...): a libFuzzer program with its seeds in fuzz/corpus/<name>/.
