@@ -1,6 +1,7 @@
 #include "platform/linux_/LinuxPlatform.h"
 
 #include "platform/linux_/KernelFacts.h"
+#include "platform/linux_/NetlinkInterfaces.h"
 #include "platform/linux_/ProcCoreTicks.h"
 #include "platform/linux_/SysBlockDisks.h"
 
@@ -10,6 +11,7 @@ std::unique_ptr<Platform> makeLinuxPlatform(const Sysroot &root)
 {
     auto platform = std::make_unique<Platform>();
     platform->coreTicks = std::make_unique<ProcCoreTicks>(root);
+    platform->interfaceCounters = std::make_unique<NetlinkInterfaces>();
     platform->diskCounters = std::make_unique<SysBlockDisks>(root);
     platform->systemFacts = std::make_unique<KernelFacts>(root);
     return platform;
