@@ -15,8 +15,10 @@ class QTimer;
 namespace pulsebar {
 
 class AppUsage;
+class HardwareEvents;
 class SampleAssembly;
 class SamplerProcess;
+struct UsageCaches;
 
 /// The sampling engine. Runs the sampler as a long-lived child; every completed read of its output
 /// becomes one statistics dictionary, published whole as topDict.
@@ -174,11 +176,11 @@ private:
     void addTopReport(const QByteArray &data, QVariantMap &sample);
 
     MonitorSources m_sources;
-    SamplerCommand m_samplerCommand;
     MonitorSettings m_settings;
     QVariantMap m_topDict;
-    UsageCache m_energyConsumptionCache;
+    std::unique_ptr<UsageCaches> m_caches;
     std::unique_ptr<AppUsage> m_appUsage;
+    std::unique_ptr<HardwareEvents> m_events;
     std::unique_ptr<SampleAssembly> m_assembly;
     std::unique_ptr<SamplerProcess> m_sampler;
     std::unique_ptr<QTimer> m_timer;

@@ -1,0 +1,187 @@
+#include "engine/SamplerProcess.h"
+
+#include "engine/SamplerPipe.h"
+
+#include <QLoggingCategory>
+#include <QPointer>
+#include <QSocketNotifier>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstring>
+#include <unistd.h>
+#include <utility>
+
+namespace pulsebar {
+
+namespace {
+
+Q_LOGGING_CATEGORY(logSampler, "pulsebar.sampler")
+
+using namespace std::chrono_literals;
+
+constexpr auto TerminateGrace = 1500ms;
+constexpr int LongestIntervalSec = 24 * 60 * 60;
+
+/// Runs in the child between fork and exec: only what is safe there. Blocked signals are inherited,
+/// and a child that has SIGTERM blocked could not be asked to go.
+void prepareChild(int standardOutput)
+{
+    ::dup2(standardOutput, STDOUT_FILENO);
+    sigset_t none;
+    ::sigemptyset(&none);
+    ::sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+} // namespace
+
+SamplerProcess::SamplerProcess(SamplerCommand command, QObject *parent)
+    : QObject(parent)
+    , m_command(std::move(command))
+{
+    m_launchTimer.setSingleShot(true);
+    m_launchTimer.setInterval(0);
+    connect(&m_launchTimer, &QTimer::timeout, this, &SamplerProcess::launch);
+    connect(&m_emptySampleTimer, &QTimer::timeout, this, [this] { Q_EMIT sampleReady({}); });
+}
+
+SamplerProcess::~SamplerProcess()
+{
+    stop();
+    for (auto *process : findChildren<QProcess *>()) {
+        process->disconnect();
+        if (process->state() == QProcess::NotRunning)
+            continue;
+        if (!process->waitForFinished(300)) {
+            process->kill();
+            process->waitForFinished(1000);
+        }
+    }
+}
+
+void SamplerProcess::start(const QStringList &arguments, int intervalSec)
+{
+    stop();
+    m_active = true;
+    m_arguments = arguments;
+    m_emptySampleTimer.setInterval(std::chrono::seconds(std::min(intervalSec, LongestIntervalSec)));
+    m_launchTimer.start();
+}
+
+void SamplerProcess::stop()
+{
+    m_active = false;
+    m_launchTimer.stop();
+    m_emptySampleTimer.stop();
+    dropPipe();
+    retire();
+}
+
+void SamplerProcess::launch()
+{
+    const QString program = m_command.program ? m_command.program() : QString();
+    if (program.isEmpty()) {
+        qCWarning(logSampler) << "the sampler is missing; samples go on without processes";
+        beginEmptySamples();
+        return;
+    }
+    m_pipe = SamplerPipe::open();
+    if (!m_pipe) {
+        qCWarning(logSampler) << "no pipe for the sampler:" << std::strerror(errno);
+        beginEmptySamples();
+        return;
+    }
+    m_notifier = new QSocketNotifier(m_pipe->readEnd(), QSocketNotifier::Read, this);
+    connect(m_notifier, &QSocketNotifier::activated, this, &SamplerProcess::readSample);
+
+    m_process = new QProcess(this);
+    connectProcess();
+    m_process->start(program, m_arguments, QIODevice::ReadOnly);
+    if (m_pipe)
+        m_pipe->closeWriteEnd();
+}
+
+void SamplerProcess::connectProcess()
+{
+    m_process->setProcessChannelMode(QProcess::ForwardedChannels);
+    m_process->setStandardInputFile(QProcess::nullDevice());
+    m_process->setChildProcessModifier([fd = m_pipe->writeEnd()] { prepareChild(fd); });
+    connect(m_process, &QProcess::finished, this, &SamplerProcess::onFinished);
+    connect(m_process, &QProcess::errorOccurred, this, &SamplerProcess::onError);
+}
+
+void SamplerProcess::readSample()
+{
+    const SamplerPipe::Chunk chunk = m_pipe->readAvailable();
+    const QPointer<QSocketNotifier> run = m_notifier;
+    if (!chunk.bytes.isEmpty())
+        Q_EMIT sampleReady(chunk.bytes);
+    // Whoever took the sample may have stopped or restarted the sampler.
+    if (chunk.ended && run && run == m_notifier)
+        beginEmptySamples();
+}
+
+void SamplerProcess::beginEmptySamples()
+{
+    dropPipe();
+    m_emptySampleTimer.start();
+    Q_EMIT sampleReady({});
+}
+
+void SamplerProcess::onFinished(int exitCode, QProcess::ExitStatus status)
+{
+    if (status == QProcess::CrashExit)
+        qCWarning(logSampler) << "the sampler was ended by signal" << exitCode
+                              << "- samples go on without processes";
+    else
+        qCWarning(logSampler) << "the sampler ended with exit status" << exitCode
+                              << "- samples go on without processes";
+    std::exchange(m_process, nullptr)->deleteLater();
+    // Its last words may still be in the pipe, and a process of its own may hold the pipe open.
+    const QPointer<QSocketNotifier> run = m_notifier;
+    if (run)
+        readSample();
+    if (run && run == m_notifier)
+        beginEmptySamples();
+}
+
+void SamplerProcess::onError(QProcess::ProcessError error)
+{
+    if (error != QProcess::FailedToStart)
+        return;
+    qCWarning(logSampler) << "the sampler cannot be started:" << m_process->errorString();
+    // The pipe has lost its only other writer, so its end is read next and the empty samples begin.
+    std::exchange(m_process, nullptr)->deleteLater();
+}
+
+void SamplerProcess::retire()
+{
+    if (!m_process)
+        return;
+    QProcess *process = std::exchange(m_process, nullptr);
+    process->disconnect(this);
+    if (process->state() == QProcess::NotRunning) {
+        process->deleteLater();
+        return;
+    }
+    connect(process, &QProcess::finished, process, &QObject::deleteLater);
+    connect(process, &QProcess::errorOccurred, process, [process](QProcess::ProcessError error) {
+        if (error == QProcess::FailedToStart)
+            process->deleteLater();
+    });
+    QTimer::singleShot(TerminateGrace, process, &QProcess::kill);
+    process->terminate();
+}
+
+void SamplerProcess::dropPipe()
+{
+    if (m_notifier) {
+        // Perhaps it is just being heard.
+        m_notifier->setEnabled(false);
+        std::exchange(m_notifier, nullptr)->deleteLater();
+    }
+    m_pipe.reset();
+}
+
+} // namespace pulsebar
