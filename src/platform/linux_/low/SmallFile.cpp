@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <unistd.h>
@@ -112,11 +113,21 @@ std::optional<std::string_view> SmallFile::read()
 
 std::optional<std::string> readWholeFile(const std::string &path, std::size_t limit)
 {
-    SmallFile file(path);
-    const auto text = file.read();
-    if (!text)
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
+    if (descriptor < 0)
         return std::nullopt;
-    return std::string(text->substr(0, limit));
+    std::string text;
+    ssize_t count = 0;
+    do {
+        const auto size = text.size();
+        text.resize(std::min(limit, size + firstSize));
+        count = readAt(descriptor, text.data() + size, text.size() - size, size);
+        text.resize(size + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    } while (count > 0 && text.size() < limit);
+    ::close(descriptor);
+    if (count < 0)
+        return std::nullopt;
+    return text;
 }
 
 } // namespace pulsebar

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <limits>
 
 namespace pulsebar {
 
@@ -55,6 +54,27 @@ std::optional<CpuTicks> parseTotalTicks(std::string_view text)
             return parseColumns(scan);
     }
     return std::nullopt;
+}
+
+ProcStatSummary parseProcStatSummary(std::string_view text)
+{
+    ProcStatSummary summary;
+    Scan lines(text);
+    while (const auto line = lines.line()) {
+        Scan scan(*line);
+        const auto word = scan.word().value_or(std::string_view());
+        if (word == "cpu")
+            summary.total = parseColumns(scan);
+        else if (processorNumber(word))
+            ++summary.processors;
+        else if (word == "processes")
+            summary.forks = scan.number();
+        else if (word == "procs_running")
+            summary.running = scan.number();
+        else if (word == "procs_blocked")
+            summary.blocked = scan.number();
+    }
+    return summary;
 }
 
 std::optional<std::vector<NumberedCpuTicks>> parseNumberedTicks(std::string_view text)

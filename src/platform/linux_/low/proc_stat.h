@@ -28,6 +28,18 @@ struct NumberedCpuTicks
 /// The "cpu" line of /proc/stat (the sum over all processors); absent without such a line.
 std::optional<CpuTicks> parseTotalTicks(std::string_view text);
 
+/// What else a sampler wants from /proc/stat, in one walk over its text.
+struct ProcStatSummary
+{
+    std::optional<CpuTicks> total;
+    int processors = 0;                   ///< number of "cpuN" lines: processors online
+    std::optional<std::uint64_t> forks;   ///< processes and threads made since boot
+    std::optional<std::uint64_t> running; ///< threads that run or wait for a processor
+    std::optional<std::uint64_t> blocked; ///< threads that wait for a disk
+};
+
+ProcStatSummary parseProcStatSummary(std::string_view text);
+
 /// The "cpuN" lines of /proc/stat, in ascending order of N; processors that are offline are not
 /// listed by the kernel. Absent when there is no such line. A malformed line is left out; columns
 /// that an old kernel does not print count as 0.

@@ -1,0 +1,42 @@
+#include "platform/linux_/low/proc_diskstats.h"
+
+#include "platform/linux_/low/Scan.h"
+
+#include <optional>
+
+namespace pulsebar {
+
+namespace {
+
+std::optional<DiskStatsLine> parseLine(std::string_view line)
+{
+    Scan scan(line);
+    if (!scan.number() || !scan.number()) // device numbers
+        return std::nullopt;
+    const auto name = scan.word();
+    const auto reads = scan.number();
+    scan.skipWords(1); // merged
+    const auto sectorsRead = scan.number();
+    scan.skipWords(1); // milliseconds
+    const auto writes = scan.number();
+    scan.skipWords(1);
+    const auto sectorsWritten = scan.number();
+    if (!name || !reads || !sectorsRead || !writes || !sectorsWritten)
+        return std::nullopt;
+    return DiskStatsLine{*name, *reads, *sectorsRead, *writes, *sectorsWritten};
+}
+
+} // namespace
+
+std::vector<DiskStatsLine> parseDiskStats(std::string_view text)
+{
+    std::vector<DiskStatsLine> list;
+    Scan lines(text);
+    while (const auto line = lines.line()) {
+        if (const auto parsed = parseLine(*line))
+            list.push_back(*parsed);
+    }
+    return list;
+}
+
+} // namespace pulsebar
