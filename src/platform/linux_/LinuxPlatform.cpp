@@ -1,5 +1,6 @@
 #include "platform/linux_/LinuxPlatform.h"
 
+#include "platform/linux_/DesktopProcessIcons.h"
 #include "platform/linux_/KernelFacts.h"
 #include "platform/linux_/NetlinkInterfaces.h"
 #include "platform/linux_/ProcCoreTicks.h"
@@ -14,6 +15,8 @@ std::unique_ptr<Platform> makeLinuxPlatform(const Sysroot &root)
     platform->interfaceCounters = std::make_unique<NetlinkInterfaces>();
     platform->diskCounters = std::make_unique<SysBlockDisks>(root);
     platform->systemFacts = std::make_unique<KernelFacts>(root);
+    platform->processIcons = std::make_unique<DesktopProcessIcons>(
+        root, DesktopEntries(DesktopEntries::standardFolders()));
     return platform;
 }
 

@@ -1,0 +1,132 @@
+#include "platform/linux_/low/desktop_entry.h"
+
+#include "platform/linux_/low/Scan.h"
+
+#include <algorithm>
+
+namespace pulsebar {
+
+namespace {
+
+std::string_view trimmed(std::string_view text)
+{
+    constexpr std::string_view blanks = " \t\r";
+    const auto first = text.find_first_not_of(blanks);
+    if (first == std::string_view::npos)
+        return {};
+    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+/// Undoes the escapes that every value of type string may hold.
+std::string unescaped(std::string_view value)
+{
+    std::string text;
+    for (std::size_t i = 0; i < value.size(); ++i) {
+        if (value[i] != '\\' || i + 1 == value.size()) {
+            text += value[i];
+            continue;
+        }
+        constexpr std::string_view codes = "sntr";
+        constexpr std::string_view meanings = " \n\t\r";
+        const auto code = codes.find(value[++i]);
+        // Others (such as \") belong to the quoting of the command line.
+        if (code != std::string_view::npos)
+            text += meanings[code];
+        else if (value[i] == '\\')
+            text += '\\';
+        else
+            text.append("\\").append(1, value[i]);
+    }
+    return text;
+}
+
+bool isBlank(char character)
+{
+    return character == ' ' || character == '\t' || character == '\n';
+}
+
+/// Takes the next word of a command line; false at its end.
+bool takeWord(std::string_view &line, std::string &word)
+{
+    line.remove_prefix(std::min(line.find_first_not_of(" \t\n"), line.size()));
+    if (line.empty())
+        return false;
+    word.clear();
+    bool quoted = false;
+    while (!line.empty() && (quoted || !isBlank(line[0]))) {
+        if (quoted && line[0] == '\\' && line.size() > 1)
+            line.remove_prefix(1);
+        else if (line[0] == '"') {
+            quoted = !quoted;
+            line.remove_prefix(1);
+            continue;
+        }
+        word += line[0];
+        line.remove_prefix(1);
+    }
+    return true;
+}
+
+bool isFieldCode(const std::string &word)
+{
+    return word.size() == 2 && word[0] == '%' && word[1] != '%';
+}
+
+bool isAssignment(const std::string &word)
+{
+    return word.find('=') != std::string::npos;
+}
+
+std::vector<std::string> commandOf(const std::string &exec)
+{
+    std::vector<std::string> words;
+    std::string_view rest = exec;
+    std::string word;
+    while (takeWord(rest, word)) {
+        if (!word.empty() && !isFieldCode(word))
+            words.push_back(word);
+    }
+    if (!words.empty() && (words[0] == "env" || words[0] == "/usr/bin/env")) {
+        const auto program = std::find_if_not(words.begin() + 1, words.end(), isAssignment);
+        words.erase(words.begin(), program);
+    }
+    return words;
+}
+
+void readKey(std::string_view key, std::string_view value, DesktopEntry &entry)
+{
+    if (key == "Icon")
+        entry.icon = unescaped(value);
+    else if (key == "Exec")
+        entry.command = commandOf(unescaped(value));
+    else if (key == "StartupWMClass")
+        entry.startupWmClass = unescaped(value);
+    else if (key == "NoDisplay")
+        entry.shown = value != "true";
+    else if (key == "Hidden")
+        entry.removed = value == "true";
+}
+
+} // namespace
+
+DesktopEntry parseDesktopEntry(std::string_view text)
+{
+    DesktopEntry entry;
+    bool inside = false;
+    Scan scan(text);
+    while (const auto line = scan.line()) {
+        if (line->starts_with('[')) {
+            // It is the first group of the file; nothing after it is for us.
+            if (inside)
+                break;
+            inside = trimmed(*line) == "[Desktop Entry]";
+            continue;
+        }
+        const auto equals = line->find('=');
+        if (inside && equals != std::string_view::npos && !line->starts_with('#'))
+            readKey(trimmed(line->substr(0, equals)), trimmed(line->substr(equals + 1)), entry);
+    }
+    return entry;
+}
+
+} // namespace pulsebar

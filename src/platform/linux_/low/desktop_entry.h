@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace pulsebar {
+
+/// What a desktop entry file (freedesktop.org's Desktop Entry Specification) says about the
+/// program that it starts.
+struct DesktopEntry
+{
+    /// The words of Exec without quotes and field codes; a leading `env` and what it sets are
+    /// left out, so that the first word is the program.
+    std::vector<std::string> command;
+    std::string icon;           ///< a themed icon's name or an absolute path; empty without one
+    std::string startupWmClass; ///< what its windows call themselves; empty when not told
+    bool shown = true;          ///< false for NoDisplay: not meant for menus
+    bool removed =
+        false; ///< Hidden: as if the file, and those of its name after it, were not there
+};
+
+/// Parses the [Desktop Entry] group. Malformed lines, translations, actions and unknown keys are
+/// left out. What starts no program (a link, a folder) has no command.
+DesktopEntry parseDesktopEntry(std::string_view text);
+
+} // namespace pulsebar
