@@ -1,0 +1,282 @@
+#include "controller/Controller.h"
+
+#include "controller/Settings.h"
+#include "controller/TitleTexts.h"
+#include "engine/TopMonitor.h"
+#include "util/Localisation.h"
+
+#include <QHash>
+
+#include <array>
+
+namespace pulsebar {
+
+namespace {
+
+struct PanelWord
+{
+    TitleOnPanel how;
+    const char *word;
+};
+
+constexpr std::array kPanelWords{
+    PanelWord{TitleOnPanel::Automatic, "automatic"},
+    PanelWord{TitleOnPanel::Text, "text"},
+    PanelWord{TitleOnPanel::Icon, "icon"},
+    PanelWord{TitleOnPanel::Strip, "strip"},
+};
+
+/// The rotation's list as it is after loading: short lists are filled up with members.
+QVector<bool> paddedMembers(QVector<bool> members)
+{
+    static constexpr qsizetype kLongestPadded = 10;
+    // One more than there are title types; older lists have that length too.
+    static constexpr qsizetype kLength = 12;
+    if (members.size() <= kLongestPadded)
+        members.insert(members.size(), kLength - members.size(), true);
+    // A rotation inside the rotation, and a title without text, make no sense.
+    members[titles::kRotate - 1] = false;
+    members[titles::kIconOnly - 1] = false;
+    return members;
+}
+
+} // namespace
+
+Controller::Controller(const ControllerParts &parts)
+    : m_monitor(parts.monitor)
+    , m_statusItem(parts.statusItem)
+    , m_settings(parts.settings)
+    , m_terminate(parts.terminate)
+    , m_titles(parts.monitor, parts.statusItem, parts.programImage)
+{
+    m_titles.setWidthListener(
+        [this] { Q_EMIT itemWidthChanged(static_cast<double>(m_titles.itemWidth())); });
+}
+
+void Controller::awakeFromNib()
+{
+    static constexpr double kFirstLength = 60.0;
+    // Observe entries come and go over the bus; the title needs every collector all the same.
+    m_monitor.setAutoEnableMonitor(false);
+    for (const char *flag : {"monitorCPU", "monitorNetwork", "monitorBattery",
+                             "monitorProcessUsage", "monitorTemperature", "monitorFanMove"})
+        m_monitor.setProperty(flag, true);
+    connect(&m_monitor, &TopMonitor::topDictChanged, this, &Controller::update);
+    m_statusItem.setLength(kFirstLength);
+    m_statusItem.setTitleGuide(QStringLiteral("Usage"));
+    m_statusItem.setTitle(QStringLiteral("Usage"));
+    loadPreference();
+    if (m_titles.titleTypesToDisplay().value(0) == titles::kIconOnly)
+        m_titles.changeStatusItemToIcon(true);
+    m_monitor.startMonitoringTop();
+}
+
+void Controller::loadPreference()
+{
+    loadTitleTypes();
+    loadMonitorSettings();
+    loadToggleTitleOptionArray();
+    m_showIcon = m_settings.value(preferences::kShowIcon);
+    loadItemWidth();
+    m_networkMax = m_settings.value(preferences::kNetworkMax);
+    const std::optional<QString> how = m_settings.value(preferences::kTitleOnPanel);
+    if (how && !setTitleOnPanel(*how))
+        m_settings.reportMalformed(preferences::kTitleOnPanel.key);
+    m_loaded = true;
+}
+
+void Controller::loadTitleTypes()
+{
+    const std::optional<int> single = m_settings.value(preferences::kTitleTypeToDisplay);
+    if (single) {
+        m_titles.setTitleTypesToDisplay({*single});
+        m_settings.remove(preferences::kTitleTypeToDisplay);
+        m_settings.synchronize();
+        return;
+    }
+    const QVector<int> types =
+        m_settings.value(preferences::kTitleTypesToDisplay).value_or(QVector<int>());
+    m_titles.setTitleTypesToDisplay(types.isEmpty() ? QVector<int>{titles::kCpuUsage} : types);
+}
+
+void Controller::loadMonitorSettings()
+{
+    m_monitor.setCheckMemory(m_settings.value(preferences::kCheckMemory));
+    m_monitor.setSortByMemory(m_settings.value(preferences::kSortByMemory));
+    m_monitor.setListMax(m_settings.value(preferences::kListMax));
+    m_monitor.setRefreshSec(m_settings.value(preferences::kRefreshSec));
+    m_monitor.setFahrenheit(m_settings.value(preferences::kFahrenheit));
+}
+
+void Controller::loadToggleTitleOptionArray()
+{
+    const std::optional<QVector<bool>> stored =
+        m_settings.value(preferences::kToggleTitleOptionArray);
+    m_titles.setToggleTitleOptionArray(paddedMembers(stored.value_or(QVector<bool>{true})));
+}
+
+void Controller::loadItemWidth()
+{
+    const std::optional<float> stored = m_settings.value(preferences::kItemWidth);
+    m_titles.setItemWidth(stored.value_or(static_cast<float>(m_statusItem.length())));
+}
+
+void Controller::save()
+{
+    // Before the preferences are there, what would be stored are no preferences.
+    if (!m_loaded)
+        return;
+    m_settings.setValue(preferences::kTitleTypesToDisplay, m_titles.titleTypesToDisplay());
+    m_settings.setValue(preferences::kCheckMemory, m_monitor.checkMemory());
+    m_settings.setValue(preferences::kSortByMemory, m_monitor.sortByMemory());
+    m_settings.setValue(preferences::kListMax, m_monitor.listMax());
+    m_settings.setValue(preferences::kRefreshSec, m_monitor.refreshSec());
+    m_settings.setValue(preferences::kFahrenheit, m_monitor.fahrenheit());
+    m_settings.setValue(preferences::kToggleTitleOptionArray, m_titles.toggleTitleOptionArray());
+    m_settings.setValue(preferences::kShowIcon, m_showIcon);
+    m_settings.setValue(preferences::kItemWidth, m_titles.itemWidth());
+    m_settings.setValue(preferences::kNetworkMax, m_networkMax);
+    m_settings.setValue(preferences::kTitleOnPanel, titleOnPanel());
+    m_settings.synchronize();
+}
+
+void Controller::update()
+{
+    m_titles.update();
+    if (!m_statusItem.hasMenu())
+        m_statusItem.setMenuDelegate(this);
+    Q_EMIT sampleShown();
+}
+
+QString Controller::titleOnPanel() const
+{
+    for (const PanelWord &entry : kPanelWords) {
+        if (entry.how == m_titleOnPanel)
+            return QString::fromLatin1(entry.word);
+    }
+    return {};
+}
+
+bool Controller::setTitleOnPanel(const QString &word)
+{
+    for (const PanelWord &entry : kPanelWords) {
+        if (word == QLatin1String(entry.word)) {
+            m_titleOnPanel = entry.how;
+            m_statusItem.setTitleOnPanel(entry.how);
+            return true;
+        }
+    }
+    return false;
+}
+
+void Controller::openMenu()
+{
+    // Asked for before the first sample: the menu is due then, but not yet attached.
+    if (!m_statusItem.hasMenu())
+        m_statusItem.setMenuDelegate(this);
+    m_statusItem.openMenu();
+}
+
+void Controller::quit()
+{
+    m_terminate();
+}
+
+TitleMenuState Controller::titleMenuState() const
+{
+    TitleMenuState state;
+    state.titleTypesToDisplay = m_titles.titleTypesToDisplay();
+    state.toggleTitleOptionArray = m_titles.toggleTitleOptionArray();
+    state.batteryEnabled = titles::batteryIsEnabled(m_monitor.topDict());
+    state.monitorTemperature = m_monitor.monitorTemperature();
+    state.monitorFanMove = m_monitor.monitorFanMove();
+    return state;
+}
+
+PreferenceMenuState Controller::preferenceMenuState() const
+{
+    PreferenceMenuState state;
+    state.checkMemory = m_monitor.checkMemory();
+    state.sortByMemory = m_monitor.sortByMemory();
+    state.titles = titleMenuState();
+    state.refreshSec = m_monitor.refreshSec();
+    state.listMax = m_monitor.listMax();
+    state.titleOnPanel = titleOnPanel();
+    return state;
+}
+
+void Controller::menuNeedsUpdate(Menu &menu)
+{
+    menu.removeAllItems();
+    menu.addItem(makePreferenceOptionsMenu(preferenceMenuState()));
+    menu.addItem(MenuItem::separatorItem());
+    MenuItem quitItem;
+    quitItem.title = localizedString(QStringLiteral("Quit"));
+    quitItem.action = QStringLiteral("terminate");
+    quitItem.target = ItemTarget::Application;
+    menu.addItem(std::move(quitItem));
+}
+
+Controller::Action Controller::actionNamed(const QString &name)
+{
+    static const QHash<QString, Action> actions{
+        {QStringLiteral("switchCheckMemory"), &Controller::switchCheckMemory},
+        {QStringLiteral("switchSortByMemory"), &Controller::switchSortByMemory},
+        {QStringLiteral("changeTitleToDisplayType"), &Controller::changeTitleToDisplayType},
+        {QStringLiteral("changeToggleTitleOption"), &Controller::changeToggleTitleOption},
+        {QStringLiteral("changeRefreshTime"), &Controller::changeRefreshTime},
+        {QStringLiteral("changeProcessListMax"), &Controller::changeProcessListMax},
+        {QStringLiteral("changeTitleOnPanel"), &Controller::changeTitleOnPanel},
+        {QStringLiteral("terminate"), &Controller::terminate},
+    };
+    return actions.value(name, nullptr);
+}
+
+void Controller::performAction(const MenuItem &item, Qt::KeyboardModifiers modifiers)
+{
+    const Action action = actionNamed(item.action);
+    if (action != nullptr)
+        (this->*action)(item, modifiers);
+}
+
+void Controller::switchCheckMemory(const MenuItem & /*item*/, Qt::KeyboardModifiers /*modifiers*/)
+{
+    m_monitor.setCheckMemory(!m_monitor.checkMemory());
+}
+
+void Controller::switchSortByMemory(const MenuItem & /*item*/, Qt::KeyboardModifiers /*modifiers*/)
+{
+    m_monitor.setSortByMemory(!m_monitor.sortByMemory());
+}
+
+void Controller::changeTitleToDisplayType(const MenuItem &item, Qt::KeyboardModifiers modifiers)
+{
+    m_titles.changeTitleToDisplayType(item.tag, modifiers.testFlag(Qt::ControlModifier));
+}
+
+void Controller::changeToggleTitleOption(const MenuItem &item, Qt::KeyboardModifiers /*modifiers*/)
+{
+    m_titles.changeToggleTitleOption(item.tag);
+}
+
+void Controller::changeRefreshTime(const MenuItem &item, Qt::KeyboardModifiers /*modifiers*/)
+{
+    m_monitor.setRefreshSec(item.tag);
+}
+
+void Controller::changeProcessListMax(const MenuItem &item, Qt::KeyboardModifiers /*modifiers*/)
+{
+    m_monitor.setListMax(item.tag);
+}
+
+void Controller::changeTitleOnPanel(const MenuItem &item, Qt::KeyboardModifiers /*modifiers*/)
+{
+    setTitleOnPanel(item.representedObject.toString());
+}
+
+void Controller::terminate(const MenuItem & /*item*/, Qt::KeyboardModifiers /*modifiers*/)
+{
+    quit();
+}
+
+} // namespace pulsebar

@@ -1,0 +1,102 @@
+#pragma once
+
+#include "controller/PreferenceMenu.h"
+#include "controller/Titles.h"
+#include "menu/Menu.h"
+#include "statusitem/StatusItem.h"
+
+#include <QObject>
+#include <QVector>
+
+#include <functional>
+
+namespace pulsebar {
+
+class Settings;
+class TopMonitor;
+
+/// What the controller is made of. Everything must outlive it.
+struct ControllerParts
+{
+    TopMonitor &monitor;
+    StatusItem &statusItem;
+    Settings &settings;
+    QString programImage;            ///< stands for the program in icon mode
+    std::function<void()> terminate; ///< ends the program; save() is called on the way
+};
+
+/// Ties the monitor, the status item and the settings together: starts them in order, shows every
+/// sample, carries out what the user chooses and stores the preferences at the end.
+class Controller : public QObject, public MenuDelegate
+{
+    Q_OBJECT
+
+public:
+    explicit Controller(const ControllerParts &parts);
+
+    /// Start-up; sampling runs when it returns.
+    void awakeFromNib();
+    /// Stores the preferences. Nothing else does; called whenever the program may be about to end.
+    void save();
+    /// Shows the newest sample.
+    void update();
+
+    TopMonitor &monitor() { return m_monitor; }
+    StatusItem &statusItem() { return m_statusItem; }
+    const Titles &titles() const { return m_titles; }
+
+    bool showIcon() const { return m_showIcon; }
+    qint64 networkMax() const { return m_networkMax; }
+
+    /// "automatic", "text", "icon" or "strip".
+    QString titleOnPanel() const;
+    /// @return false, and nothing has changed, for any other word
+    bool setTitleOnPanel(const QString &word);
+    /// Chooses the title types as the menu would; the list must not be empty.
+    void chooseTitleTypes(const QVector<int> &types) { m_titles.chooseTitleTypes(types); }
+
+    void openMenu();
+    /// Ends the program as the menu's Quit does.
+    void quit();
+
+    void menuNeedsUpdate(Menu &menu) override;
+    void performAction(const MenuItem &item, Qt::KeyboardModifiers modifiers) override;
+
+Q_SIGNALS:
+    /// A sample was published, and the status item shows it.
+    void sampleShown();
+    void itemWidthChanged(double width);
+
+private:
+    using Action = void (Controller::*)(const MenuItem &item, Qt::KeyboardModifiers modifiers);
+    static Action actionNamed(const QString &name);
+
+    void loadPreference();
+    void loadTitleTypes();
+    void loadMonitorSettings();
+    void loadToggleTitleOptionArray();
+    void loadItemWidth();
+    TitleMenuState titleMenuState() const;
+    PreferenceMenuState preferenceMenuState() const;
+
+    void switchCheckMemory(const MenuItem &item, Qt::KeyboardModifiers modifiers);
+    void switchSortByMemory(const MenuItem &item, Qt::KeyboardModifiers modifiers);
+    void changeTitleToDisplayType(const MenuItem &item, Qt::KeyboardModifiers modifiers);
+    void changeToggleTitleOption(const MenuItem &item, Qt::KeyboardModifiers modifiers);
+    void changeRefreshTime(const MenuItem &item, Qt::KeyboardModifiers modifiers);
+    void changeProcessListMax(const MenuItem &item, Qt::KeyboardModifiers modifiers);
+    void changeTitleOnPanel(const MenuItem &item, Qt::KeyboardModifiers modifiers);
+    void terminate(const MenuItem &item, Qt::KeyboardModifiers modifiers);
+
+    TopMonitor &m_monitor;
+    StatusItem &m_statusItem;
+    Settings &m_settings;
+    std::function<void()> m_terminate;
+    Titles m_titles;
+    TitleOnPanel m_titleOnPanel = TitleOnPanel::Automatic;
+    bool m_showIcon = false;
+    qint64 m_networkMax = 0;
+    bool m_loaded = false;
+};
+
+} // namespace pulsebar

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+#include <QVariant>
+
+#include <optional>
+
+/// Values of the settings file: the text behind `key=`, and back.
+namespace pulsebar::settingsformat {
+
+/// Reads the text behind the `=`: quotes, backslash escapes and commas as QSettings writes them.
+/// @return a QString, or a QStringList where an unquoted comma stands
+QVariant valueFromText(const QString &text);
+
+/// @return the text of a boolean, number, string or list of these; absent for an empty list and
+///         for a type that the file does not hold
+std::optional<QString> textFromValue(const QVariant &value);
+
+/// The shortest plain decimal text that reads back as `value`: "60", "62.5", never an exponent.
+QString decimalText(float value);
+QString decimalText(double value);
+
+} // namespace pulsebar::settingsformat

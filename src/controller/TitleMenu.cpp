@@ -1,0 +1,76 @@
+#include "controller/TitleMenu.h"
+
+#include "controller/TitleTexts.h"
+#include "util/Localisation.h"
+
+namespace pulsebar {
+
+namespace {
+
+MenuItem typeItem(int type, const QString &action, int tag, bool checked)
+{
+    MenuItem item;
+    item.title = localizedString(QStringLiteral("TitleOption_%1").arg(type));
+    item.action = action;
+    item.target = ItemTarget::Controller;
+    item.tag = tag;
+    item.state = checked ? ItemState::On : ItemState::Off;
+    return item;
+}
+
+bool isOffered(int type, const TitleMenuState &state)
+{
+    switch (type) {
+    case titles::kBattery:
+        return state.batteryEnabled;
+    case titles::kTemperature:
+        return state.monitorTemperature;
+    case titles::kFanSpeed:
+        return state.monitorFanMove;
+    default:
+        return true;
+    }
+}
+
+bool canRotate(int type, const TitleMenuState &state)
+{
+    if (type == titles::kRotate || type == titles::kIconOnly)
+        return false;
+    // Temperature and fans are offered here even where they are not measured.
+    return type != titles::kBattery || state.batteryEnabled;
+}
+
+void addTypes(Menu &menu, const TitleMenuState &state)
+{
+    for (int type = titles::kFirstType; type <= titles::kLastType; ++type) {
+        if (isOffered(type, state))
+            menu.addItem(typeItem(type, QStringLiteral("changeTitleToDisplayType"), type,
+                                  state.titleTypesToDisplay.contains(type)));
+    }
+}
+
+void addMembers(Menu &menu, const TitleMenuState &state)
+{
+    menu.addItem(MenuItem::separatorItem());
+    for (int type = titles::kFirstType; type <= titles::kLastType; ++type) {
+        if (canRotate(type, state))
+            menu.addItem(typeItem(type, QStringLiteral("changeToggleTitleOption"), type - 1,
+                                  state.toggleTitleOptionArray.value(type - 1, false)));
+    }
+}
+
+} // namespace
+
+MenuItem makeTitleOptionMenu(const TitleMenuState &state)
+{
+    auto submenu = std::make_shared<Menu>(QStringLiteral("Title type to Display"));
+    addTypes(*submenu, state);
+    if (state.titleTypesToDisplay.value(0) == titles::kRotate)
+        addMembers(*submenu, state);
+    MenuItem item;
+    item.title = localizedString(QStringLiteral("Top Title"));
+    item.submenu = std::move(submenu);
+    return item;
+}
+
+} // namespace pulsebar
