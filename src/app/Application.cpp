@@ -1,0 +1,166 @@
+#include "app/Application.h"
+
+#include "app/CommandLine.h"
+#include "app/Display.h"
+#include "app/HelperPaths.h"
+#include "app/SessionBus.h"
+#include "app/TerminationSignals.h"
+#include "controller/Controller.h"
+#include "controller/Scripting.h"
+#include "controller/Settings.h"
+#include "engine/TopMonitor.h"
+#include "platform/Platform.h"
+#include "statusitem/PanelStatusItem.h"
+
+#include <QApplication>
+#include <QLoggingCategory>
+#include <QPoint>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace pulsebar {
+
+namespace {
+
+Q_LOGGING_CATEGORY(lcApp, "pulsebar.app")
+
+/// Everything that lives as long as the program, in the order in which it is made.
+class Program
+{
+public:
+    Program()
+        : m_platform(makePlatform())
+        , m_settings(Settings::standardFileName())
+        , m_statusItem(surroundings())
+        , m_monitor(sources(), SamplerCommand{samplerPath})
+        , m_controller({m_monitor, m_statusItem, m_settings, PanelStatusItem::programImage(),
+                        &QCoreApplication::quit})
+        , m_scripting(m_controller)
+    {
+    }
+
+    Controller &controller() { return m_controller; }
+    Scripting &scripting() { return m_scripting; }
+
+private:
+    MonitorSources sources() const
+    {
+        MonitorSources sources;
+        sources.coreTicks = m_platform->coreTicks.get();
+        sources.interfaces = m_platform->interfaceCounters.get();
+        sources.disks = m_platform->diskCounters.get();
+        sources.icons = m_platform->processIcons.get();
+        return sources;
+    }
+
+    PanelSurroundings surroundings()
+    {
+        PanelSurroundings surroundings;
+        surroundings.stripPlace.load = [this] { return storedStripPlace(); };
+        surroundings.stripPlace.store = [this](QPoint place) {
+            m_settings.setValue(preferences::kStripPlace, QVector<int>{place.x(), place.y()});
+        };
+        return surroundings;
+    }
+
+    std::optional<QPoint> storedStripPlace()
+    {
+        const std::optional<QVector<int>> place = m_settings.value(preferences::kStripPlace);
+        if (!place || place->size() != 2)
+            return std::nullopt;
+        return QPoint(place->at(0), place->at(1));
+    }
+
+    static QString samplerPath()
+    {
+        return helperPath(QStringLiteral("pulsebar-top"),
+                          helperFolders(QCoreApplication::applicationDirPath()));
+    }
+
+    std::unique_ptr<Platform> m_platform;
+    Settings m_settings;
+    PanelStatusItem m_statusItem;
+    TopMonitor m_monitor;
+    Controller m_controller;
+    Scripting m_scripting;
+};
+
+/// A display that dies takes the program with it by way of exit(); the preferences are saved even
+/// then.
+Controller *controllerToSave = nullptr;
+
+void saveAtExit()
+{
+    if (controllerToSave != nullptr)
+        controllerToSave->save();
+}
+
+/// @return the exit status when the program has nothing to do here
+std::optional<int> joinSessionBus(QDBusConnection &bus, Scripting &scripting)
+{
+    // The object comes first: whoever sees the name may call at once.
+    const bool registered = scripting.registerOn(bus);
+    switch (claimName(bus, Scripting::kService)) {
+    case NameClaim::Ours:
+        if (!registered)
+            qCWarning(lcApp,
+                      "Scripts cannot reach this program: its object is taken on the session bus.");
+        return std::nullopt;
+    case NameClaim::AnotherRuns:
+        if (!askRunningProgram(bus))
+            std::fputs("pulsebar: it runs already, but does not answer\n", stderr);
+        return 0;
+    case NameClaim::NoBus:
+        qCWarning(lcApp, "There is no session bus; scripts cannot reach this program.");
+        return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+int runProgram(QApplication &application)
+{
+    Program program;
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (const std::optional<int> status = joinSessionBus(bus, program.scripting()))
+        return *status;
+
+    const TerminationSignals termination;
+    QObject::connect(&termination, &TerminationSignals::terminationRequested, &application,
+                     &QCoreApplication::quit);
+    Controller &controller = program.controller();
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, &controller, &Controller::save);
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &controller,
+                     &Controller::save);
+    controllerToSave = &controller;
+    std::atexit(saveAtExit);
+
+    controller.awakeFromNib();
+    const int status = QCoreApplication::exec();
+    controllerToSave = nullptr;
+    return status;
+}
+
+} // namespace
+
+int runApplication(int argc, char *argv[])
+{
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments += QString::fromLocal8Bit(argv[i]);
+    if (const std::optional<int> status = handleCommandLine(arguments))
+        return *status;
+    if (!prepareDisplay())
+        return EXIT_FAILURE;
+
+    QCoreApplication::setApplicationName(QStringLiteral("Pulsebar"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(PULSEBAR_VERSION));
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.pulsebar.Pulsebar"));
+    std::optional<DisplayErrors> displayErrors(std::in_place);
+    QApplication application(argc, argv);
+    displayErrors.reset();
+    QApplication::setQuitOnLastWindowClosed(false);
+    return runProgram(application);
+}
+
+} // namespace pulsebar

@@ -1,0 +1,56 @@
+#include "app/Display.h"
+
+#include <QByteArray>
+#include <QtGlobal>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace pulsebar {
+
+namespace {
+
+QtMessageHandler previousHandler = nullptr;
+
+void reportNoDisplay()
+{
+    std::fputs("pulsebar: there is no display to show anything on (is DISPLAY set?)\n", stderr);
+}
+
+void handleMessage(QtMsgType type, const QMessageLogContext &context, const QString &text)
+{
+    if (type == QtFatalMsg) {
+        reportNoDisplay();
+        std::_Exit(EXIT_FAILURE);
+    }
+    if (previousHandler != nullptr)
+        previousHandler(type, context, text);
+}
+
+} // namespace
+
+bool prepareDisplay()
+{
+    if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        return true;
+    if (!qEnvironmentVariableIsEmpty("DISPLAY")) {
+        qputenv("QT_QPA_PLATFORM", QByteArrayLiteral("xcb"));
+        return true;
+    }
+    if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+        return true;
+    reportNoDisplay();
+    return false;
+}
+
+DisplayErrors::DisplayErrors()
+{
+    previousHandler = qInstallMessageHandler(handleMessage);
+}
+
+DisplayErrors::~DisplayErrors()
+{
+    qInstallMessageHandler(previousHandler);
+}
+
+} // namespace pulsebar
