@@ -1,14 +1,54 @@
 #include "menu/Menu.h"
 
+#include <algorithm>
+#include <iterator>
+#include <tuple>
 #include <utility>
 
 namespace pulsebar {
+
+namespace {
+
+auto plainParts(const MenuItem &item)
+{
+    return std::tie(item.title, item.action, item.target, item.tag, item.state, item.exclusive,
+                    item.enabled, item.separator, item.indentation, item.image, item.view,
+                    item.representedObject);
+}
+
+bool sameSubmenu(const std::shared_ptr<const Menu> &one, const std::shared_ptr<const Menu> &other)
+{
+    if (one == other) {
+        return true;
+    }
+    return one && other && sameMenu(*one, *other);
+}
+
+} // namespace
 
 MenuItem MenuItem::separatorItem()
 {
     MenuItem item;
     item.separator = true;
     return item;
+}
+
+QString MenuItem::shownTitle() const
+{
+    QString text = QString(std::max(indentation, 0), u' ') + title;
+    return text.replace(QChar(u'\0'), QChar(QChar::ReplacementCharacter));
+}
+
+bool sameItem(const MenuItem &one, const MenuItem &other)
+{
+    return plainParts(one) == plainParts(other) && sameSubmenu(one.submenu, other.submenu);
+}
+
+bool sameMenu(const Menu &one, const Menu &other)
+{
+    return one.title() == other.title()
+           && std::equal(one.items().begin(), one.items().end(), other.items().begin(),
+                         other.items().end(), sameItem);
 }
 
 Menu::Menu(QString title)
@@ -24,6 +64,33 @@ void Menu::addItem(MenuItem item)
 void Menu::removeAllItems()
 {
     m_items.clear();
+}
+
+MenuItem &Menu::addItemWithTitle(const QString &title, ItemTarget target, const QString &action)
+{
+    MenuItem item;
+    item.title = title;
+    item.target = target;
+    item.action = action;
+    m_items.append(std::move(item));
+    return m_items.last();
+}
+
+MenuItem &Menu::addDummyItemWithTitle(const QString &title, ItemTarget target)
+{
+    return addItemWithTitle(title, target, QStringLiteral("dummy"));
+}
+
+void Menu::setStateToAllItem(ItemState state)
+{
+    for (MenuItem &item : m_items) {
+        item.state = state;
+    }
+}
+
+void Menu::addItemsFromMenu(Menu &other)
+{
+    m_items += std::exchange(other.m_items, {});
 }
 
 } // namespace pulsebar

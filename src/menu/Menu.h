@@ -40,7 +40,14 @@ struct MenuItem
     std::shared_ptr<const Menu> submenu;
 
     static MenuItem separatorItem();
+
+    /// The title as it is to be read: moved in by its indentation, every NUL replaced by U+FFFD.
+    QString shownTitle() const;
 };
+
+/// Whether both show and do the same, rows and submenus alike.
+bool sameItem(const MenuItem &one, const MenuItem &other);
+bool sameMenu(const Menu &one, const Menu &other);
 
 /// An ordered list of rows with a title of its own.
 class Menu
@@ -55,6 +62,14 @@ public:
 
     void addItem(MenuItem item);
     void removeAllItems();
+
+    /// Appends a row and returns it, to be completed; the reference holds until the next row.
+    MenuItem &addItemWithTitle(const QString &title, ItemTarget target, const QString &action);
+    /// Appends a row that only displays text.
+    MenuItem &addDummyItemWithTitle(const QString &title, ItemTarget target);
+    void setStateToAllItem(ItemState state);
+    /// Moves every row of `other`, from its first, to the end of this menu.
+    void addItemsFromMenu(Menu &other);
 
 private:
     QString m_title;

@@ -1,24 +1,179 @@
 #include "statusitem/PanelStatusItem.h"
 
+#include "statusitem/DesktopShade.h"
+#include "statusitem/FaceChooser.h"
 #include "statusitem/ItemContent.h"
+#include "statusitem/MenuPopup.h"
+#include "statusitem/MenuSource.h"
+#include "statusitem/StatusNotifierFace.h"
+#include "statusitem/StripFace.h"
+#include "statusitem/TrayFace.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QIcon>
+#include <QLoggingCategory>
 
 #include <utility>
 
 namespace pulsebar {
 
-class PanelStatusItem::Private
+namespace {
+
+Q_LOGGING_CATEGORY(log, "pulsebar.panel")
+
+/// Panels of these hosts are dark whatever the desktop's windows are.
+bool hasDarkPanel(HostKind host)
+{
+    return host == HostKind::Gnome || host == HostKind::Waybar || host == HostKind::Swaybar;
+}
+
+/// A name that resolves, for a host that draws nothing else.
+QString iconNameFor(const QString &image)
+{
+    for (const QString &name : {image, PanelStatusItem::programImage()}) {
+        if (!name.isEmpty() && !name.startsWith(u'/') && QIcon::hasThemeIcon(name)) {
+            return name;
+        }
+    }
+    return QStringLiteral("utilities-system-monitor");
+}
+
+} // namespace
+
+class PanelStatusItem::Private : public QObject
 {
 public:
-    explicit Private(PanelSurroundings given)
-        : surroundings(std::move(given))
-    {
-    }
+    explicit Private(PanelSurroundings given);
 
-    PanelSurroundings surroundings;
+    void changeLater();
+    void openMenu();
+
     ItemContent content;
     TitleOnPanel how = TitleOnPanel::Automatic;
-    MenuDelegate *delegate = nullptr;
+    MenuSource source;
+
+private:
+    void showNow();
+    Faces facesNow() const;
+    ItemContent shownContent() const;
+    void showNotifier(const Faces &faces);
+    void showStrip(bool shown);
+
+    PanelSurroundings m_around;
+    DesktopShade m_shade;
+    StatusNotifierFace m_notifier;
+    TrayFace m_tray;
+    std::unique_ptr<StripFace> m_strip;
+    MenuPopup m_popup;
+    bool m_changing = false;
 };
+
+PanelStatusItem::Private::Private(PanelSurroundings given)
+    : m_around(std::move(given))
+    , m_notifier(source, m_around.processNames)
+    , m_tray(m_around.trayDock)
+    , m_popup(source, m_around.menuView)
+{
+    connect(&m_shade, &DesktopShade::changed, this, &Private::changeLater);
+    connect(&m_notifier, &StatusNotifierFace::hostChanged, this, &Private::changeLater);
+    connect(&m_notifier, &StatusNotifierFace::menuRequested, this,
+            [this] { m_popup.openAt(QCursor::pos()); });
+    connect(&m_tray, &TrayFace::trayChanged, this, &Private::changeLater);
+    connect(&m_tray, &TrayFace::dockedChanged, this, &Private::changeLater);
+    connect(&m_tray, &TrayFace::clicked, this, [this] { m_popup.openBeside(m_tray.geometry()); });
+}
+
+void PanelStatusItem::Private::changeLater()
+{
+    if (!std::exchange(m_changing, true)) {
+        QMetaObject::invokeMethod(
+            this, [this] { showNow(); }, Qt::QueuedConnection);
+    }
+}
+
+Faces PanelStatusItem::Private::facesNow() const
+{
+    Surroundings around;
+    around.host = m_notifier.host();
+    around.tray = m_tray.trayAvailable();
+    around.how = how;
+    around.hasTitle = !content.title.isEmpty();
+    return chooseFaces(around);
+}
+
+ItemContent PanelStatusItem::Private::shownContent() const
+{
+    ItemContent shown = content;
+    if (how == TitleOnPanel::Icon) {
+        shown.title.clear();
+        shown.guide.clear();
+        shown.length = 0;
+    }
+    return shown;
+}
+
+void PanelStatusItem::Private::showNow()
+{
+    m_changing = false;
+    if (!source.hasDelegate() || !m_notifier.settled()) {
+        return;
+    }
+    const Faces faces = facesNow();
+    if (faces.tray) {
+        m_tray.show(shownContent(), m_shade.dark());
+    } else {
+        m_tray.hide();
+    }
+    showNotifier(faces);
+    showStrip(faces.strip);
+}
+
+void PanelStatusItem::Private::showNotifier(const Faces &faces)
+{
+    const bool dark = hasDarkPanel(m_notifier.host()) || m_shade.dark();
+    NotifierState state;
+    state.title = content.title.isEmpty() ? QStringLiteral("Pulsebar") : content.title;
+    if (faces.label) {
+        state.label = content.title;
+        state.labelGuide = content.guide.isEmpty() ? content.title : content.guide;
+    }
+    if (faces.iconByName) {
+        state.iconName = iconNameFor(content.image);
+    }
+    state.pixmaps = pixmapContentOf(content, faces.pixmaps, dark);
+    state.passive = faces.tray && m_tray.showsWholeTitle();
+    m_notifier.setState(state);
+    // Without a watcher the item stays on the bus for scripts and for a watcher to come.
+    m_notifier.setOffered(how != TitleOnPanel::Strip);
+}
+
+void PanelStatusItem::Private::showStrip(bool shown)
+{
+    if (!shown) {
+        m_strip.reset();
+        return;
+    }
+    if (!m_strip) {
+        qCDebug(log) << "the title is shown in a strip";
+        m_strip = std::make_unique<StripFace>(m_around.stripPlace, m_around.windowHints);
+        connect(m_strip.get(), &StripFace::clicked, this,
+                [this] { m_popup.openBeside(m_strip->geometry()); });
+    }
+    m_strip->setContent(shownContent());
+    m_strip->show();
+}
+
+void PanelStatusItem::Private::openMenu()
+{
+    if (m_strip) {
+        m_popup.openBeside(m_strip->geometry());
+    } else if (m_tray.docked()) {
+        m_popup.openBeside(m_tray.geometry());
+    } else {
+        m_popup.openAt(QCursor::pos());
+    }
+}
 
 PanelStatusItem::PanelStatusItem(PanelSurroundings surroundings, QObject *parent)
     : StatusItem(parent)
@@ -44,17 +199,24 @@ void PanelStatusItem::setTitle(const QString &title)
         return;
     }
     d->content.title = title;
+    d->changeLater();
     Q_EMIT titleChanged(title);
 }
 
 void PanelStatusItem::setTitleGuide(const QString &guide)
 {
-    d->content.guide = guide;
+    if (d->content.guide != guide) {
+        d->content.guide = guide;
+        d->changeLater();
+    }
 }
 
 void PanelStatusItem::setImage(const QString &image)
 {
-    d->content.image = image;
+    if (d->content.image != image) {
+        d->content.image = image;
+        d->changeLater();
+    }
 }
 
 QString PanelStatusItem::image() const
@@ -73,24 +235,32 @@ void PanelStatusItem::setLength(double length)
         return;
     }
     d->content.length = length;
+    d->changeLater();
     Q_EMIT lengthChanged(length);
 }
 
 void PanelStatusItem::setTitleOnPanel(TitleOnPanel how)
 {
-    d->how = how;
+    if (d->how != how) {
+        d->how = how;
+        d->changeLater();
+    }
 }
 
 void PanelStatusItem::setMenuDelegate(MenuDelegate *delegate)
 {
-    d->delegate = delegate;
+    d->source.setDelegate(delegate);
+    d->changeLater();
 }
 
 bool PanelStatusItem::hasMenu() const
 {
-    return d->delegate != nullptr;
+    return d->source.hasDelegate();
 }
 
-void PanelStatusItem::openMenu() {}
+void PanelStatusItem::openMenu()
+{
+    d->openMenu();
+}
 
 } // namespace pulsebar

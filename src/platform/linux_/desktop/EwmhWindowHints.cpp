@@ -1,0 +1,58 @@
+#include "platform/linux_/desktop/LinuxDesktop.h"
+#include "platform/linux_/desktop/X11Screen.h"
+
+#include <utility>
+
+namespace pulsebar {
+
+namespace {
+
+constexpr std::uint32_t allDesktops = 0xFFFFFFFF;
+constexpr std::uint32_t addState = 1;
+constexpr std::uint32_t fromApplication = 1;
+
+/// Extended Window Manager Hints, as client messages to the root window.
+class EwmhWindowHints : public WindowHints
+{
+public:
+    explicit EwmhWindowHints(std::unique_ptr<X11Screen> screen)
+        : m_screen(std::move(screen))
+        , m_desktop(m_screen->atom("_NET_WM_DESKTOP"))
+        , m_state(m_screen->atom("_NET_WM_STATE"))
+        , m_skipTaskbar(m_screen->atom("_NET_WM_STATE_SKIP_TASKBAR"))
+        , m_skipPager(m_screen->atom("_NET_WM_STATE_SKIP_PAGER"))
+    {
+    }
+
+    void keepOnAllWorkspaces(quintptr window) override
+    {
+        ask(window, m_desktop, {allDesktops, fromApplication});
+        ask(window, m_state, {addState, m_skipTaskbar, m_skipPager, fromApplication});
+        xcb_flush(m_screen->connection());
+    }
+
+private:
+    void ask(quintptr window, xcb_atom_t what, std::initializer_list<std::uint32_t> data) const
+    {
+        constexpr std::uint32_t toWindowManager =
+            XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+        m_screen->sendMessage(m_screen->screen().root, toWindowManager, xcb_window_t(window), what,
+                              data);
+    }
+
+    std::unique_ptr<X11Screen> m_screen;
+    xcb_atom_t m_desktop;
+    xcb_atom_t m_state;
+    xcb_atom_t m_skipTaskbar;
+    xcb_atom_t m_skipPager;
+};
+
+} // namespace
+
+std::unique_ptr<WindowHints> makeWindowHints()
+{
+    auto screen = X11Screen::open();
+    return screen ? std::make_unique<EwmhWindowHints>(std::move(screen)) : nullptr;
+}
+
+} // namespace pulsebar

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "statusitem/DBusTypes.h"
+#include "statusitem/MenuRowProperties.h"
+#include "statusitem/MenuSource.h"
+#include "statusitem/NumberedMenu.h"
+
+#include <QDBusConnection>
+#include <QDBusContext>
+#include <QDBusServiceWatcher>
+#include <QObject>
+#include <QSet>
+
+#include <functional>
+
+namespace pulsebar {
+
+/// Shows the menu to panels over D-Bus (com.canonical.dbusmenu, version 3).
+///
+/// Panels differ on when they read the menu again, and some close an open menu whose layout
+/// changes. So: asking about one menu ("AboutToShow") builds it and says so in the answer only;
+/// asking in a group builds it and signals "LayoutUpdated", which one client library needs. A
+/// submenu stands complete with its root and is never built by itself.
+class MenuExporter : public QObject, protected QDBusContext
+{
+    Q_OBJECT
+
+public:
+    /// `source` must outlive the exporter.
+    explicit MenuExporter(const MenuSource &source, QObject *parent = nullptr);
+
+    void setIconProperties(MenuIconProperties iconProperties);
+    /// Asked at a click, for panels do not tell which keys were held.
+    void setKeyboard(std::function<Qt::KeyboardModifiers()> modifiers);
+
+    /// Puts the menu on the bus, built, so that no panel reads an empty one.
+    bool registerOn(QDBusConnection connection, const QString &path);
+
+    /// The protocol's properties and methods.
+    uint version() const { return 3; }
+    QString textDirection() const;
+    QString status() const { return QStringLiteral("normal"); }
+    QStringList iconThemePath() const { return {}; }
+    uint GetLayout(int parentId, int recursionDepth, const QStringList &propertyNames,
+                   MenuLayoutNode &layout);
+    MenuItemPropertiesList GetGroupProperties(const QList<int> &ids,
+                                              const QStringList &propertyNames);
+    QDBusVariant GetProperty(int id, const QString &name);
+    void Event(int id, const QString &eventId, const QDBusVariant &data, uint timestamp);
+    QList<int> EventGroup(const MenuEventList &events);
+    bool AboutToShow(int id);
+    QList<int> AboutToShowGroup(const QList<int> &ids, QList<int> &idErrors);
+
+    Q_PROPERTY(uint Version READ version)
+    Q_PROPERTY(QString TextDirection READ textDirection)
+    Q_PROPERTY(QString Status READ status)
+    Q_PROPERTY(QStringList IconThemePath READ iconThemePath)
+
+Q_SIGNALS:
+    void LayoutUpdated(uint revision, int parent);
+    void ItemsPropertiesUpdated(const pulsebar::MenuItemPropertiesList &updated,
+                                const pulsebar::MenuItemKeysList &removed);
+    void ItemActivationRequested(int id, uint timestamp);
+
+private:
+    bool handleEvent(int id, const QString &eventId);
+    void click(int id);
+    void setOpen(bool open);
+    bool openElsewhere() const;
+    QString caller() const;
+    void refuse(int id);
+    MenuLayoutNode layoutOf(const NumberedMenu &build, int id, int depth,
+                            const QStringList &names) const;
+    QVariantMap propertiesOf(const NumberedMenu &build, int id, const QStringList &names) const;
+
+    const MenuSource &m_source;
+    MenuIconProperties m_iconProperties;
+    std::function<Qt::KeyboardModifiers()> m_keyboard;
+    MenuBuilds m_builds;
+    QDBusServiceWatcher m_showers;
+    QSet<QString> m_openAt;
+};
+
+} // namespace pulsebar

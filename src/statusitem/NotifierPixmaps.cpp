@@ -1,0 +1,58 @@
+#include "statusitem/NotifierPixmaps.h"
+
+#include "statusitem/TitleText.h"
+
+#include <array>
+
+namespace pulsebar {
+
+namespace {
+
+// The sizes panels ask for, at single and double density.
+constexpr std::array squares{22, 24, 32, 48};
+constexpr int lineHeight = 22;
+
+QImage drawSquare(const PixmapContent &content, int extent, const Ink &ink)
+{
+    return content.style == PixmapStyle::ShortText ? drawShortText(content.drawn, extent, ink)
+                                                   : drawIcon(content.drawn, extent, ink);
+}
+
+QImage drawWide(const PixmapContent &content, int scale, const Ink &ink)
+{
+    const int height = lineHeight * scale;
+    return drawLine(content.drawn, {lineWidth(content.drawn, height, scale), height}, scale, ink);
+}
+
+} // namespace
+
+PixmapContent pixmapContentOf(const ItemContent &content, PixmapStyle style, bool dark)
+{
+    PixmapContent result{style, {}, dark};
+    result.drawn.image = content.image;
+    if (style == PixmapStyle::ShortText) {
+        result.drawn.title = shortTitle(content.title);
+    } else if (style == PixmapStyle::WideText) {
+        result.drawn = content;
+    }
+    return result;
+}
+
+ItemPixmapList renderPixmaps(const PixmapContent &content)
+{
+    const Ink ink = inkOnPanel(content.dark);
+    ItemPixmapList pixmaps;
+    if (content.style == PixmapStyle::WideText) {
+        // One square for panels that insist; the text is what such a panel shows.
+        pixmaps.append(encoded(drawIcon(content.drawn, squares.front(), ink)));
+        pixmaps.append(encoded(drawWide(content, 1, ink)));
+        pixmaps.append(encoded(drawWide(content, 2, ink)));
+        return pixmaps;
+    }
+    for (const int extent : squares) {
+        pixmaps.append(encoded(drawSquare(content, extent, ink)));
+    }
+    return pixmaps;
+}
+
+} // namespace pulsebar
