@@ -15,7 +15,8 @@ std::shared_ptr<Menu> submenuWith(const QString &row)
 TEST(Menu, AppendsRowsInOrderAndReturnsThem)
 {
     Menu menu(QStringLiteral("Pulsebar"));
-    menu.addItemWithTitle(QStringLiteral("Quit"), ItemTarget::Application, QStringLiteral("terminate"))
+    menu.addItemWithTitle(QStringLiteral("Quit"), ItemTarget::Application,
+                          QStringLiteral("terminate"))
         .tag = 7;
     menu.addItem(MenuItem::separatorItem());
     menu.addDummyItemWithTitle(QStringLiteral("a row"), ItemTarget::None);

@@ -1,0 +1,10 @@
+#include "platform/Desktop.h"
+
+namespace pulsebar {
+
+Desktop makeDesktop()
+{
+    return {};
+}
+
+} // namespace pulsebar
