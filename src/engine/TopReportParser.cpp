@@ -1,5 +1,6 @@
 #include "engine/TopReportParser.h"
 
+#include "util/DecimalText.h"
 #include "util/Format.h"
 #include "util/Text.h"
 #include "util/Values.h"
@@ -76,7 +77,7 @@ void parseCpu(TopReport &report)
     report.user = substringTo(line, QStringLiteral("%"));
     report.sys = substringFromTo(report.text, QStringLiteral("user, "), QStringLiteral("%"));
     report.idle = substringFromTo(report.text, QStringLiteral("sys, "), QStringLiteral("%"));
-    const float idle = report.idle ? floatValue(QStringView(*report.idle)) : 0.0F;
+    const float idle = report.idle ? floatFromText(*report.idle) : 0.0F;
     report.total = plainFormat(u"%f", 100.0F - idle);
 }
 
@@ -122,7 +123,7 @@ std::optional<double> cpuShare(const QString &token)
 {
     if (!token.contains(QLatin1Char('.')) && !token.contains(QLatin1Char(',')))
         return std::nullopt;
-    const double value = doubleValue(QStringView(token));
+    const double value = doubleFromText(token);
     if (value == 0.0 && token != u"0.0")
         return std::nullopt;
     return value / 100.0;

@@ -1,8 +1,8 @@
 #include "engine/UsageCaches.h"
 
 #include "engine/AppUsage.h"
+#include "util/DecimalText.h"
 #include "util/Text.h"
-#include "util/Values.h"
 
 #include <algorithm>
 
@@ -13,7 +13,7 @@ namespace {
 /// The number in a name such as "CPU3" or "Fan0"; 0 without a name.
 int numberIn(const Text &name, const QString &word)
 {
-    return name ? intValue(QStringView(removeString(*name, word))) : 0;
+    return name ? intFromText(removeString(*name, word)) : 0;
 }
 
 std::optional<UsageCache> fanCache(const std::vector<UsageCache> &caches, const Text &name)

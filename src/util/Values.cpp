@@ -1,137 +1,17 @@
 #include "util/Values.h"
 
-#include <QObject>
-#include <QVarLengthArray>
+#include "util/DecimalText.h"
 
-#include <charconv>
+#include <QObject>
+
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <type_traits>
 
 namespace pulsebar {
 
 namespace {
-
-/// The characters of a text as ASCII, everything else as NUL, so that no locale and no exotic
-/// digit takes part in reading numbers.
-char asciiAt(QStringView text, qsizetype index)
-{
-    if (index >= text.size())
-        return '\0';
-    const char16_t unit = text[index].unicode();
-    return unit < 0x80 ? static_cast<char>(unit) : '\0';
-}
-
-bool isDigit(char character)
-{
-    return character >= '0' && character <= '9';
-}
-
-qsizetype skipSpace(QStringView text)
-{
-    qsizetype at = 0;
-    while (at < text.size() && text[at].isSpace())
-        ++at;
-    return at;
-}
-
-using NumberText = QVarLengthArray<char, 64>;
-
-qsizetype appendDigits(QStringView text, qsizetype at, NumberText &out)
-{
-    while (isDigit(asciiAt(text, at)))
-        out.append(asciiAt(text, at++));
-    return at;
-}
-
-/// The sign is kept apart: from_chars knows no "+".
-struct DecimalPrefix
-{
-    bool negative = false;
-    NumberText digits; ///< empty when the text does not begin with a number
-};
-
-qsizetype readSign(QStringView text, DecimalPrefix &prefix)
-{
-    const qsizetype at = skipSpace(text);
-    const char sign = asciiAt(text, at);
-    prefix.negative = sign == '-';
-    return sign == '-' || sign == '+' ? at + 1 : at;
-}
-
-void readExponent(QStringView text, qsizetype at, NumberText &out)
-{
-    const char mark = asciiAt(text, at);
-    if (mark != 'e' && mark != 'E')
-        return;
-    const char sign = asciiAt(text, at + 1);
-    const bool isSigned = sign == '-' || sign == '+';
-    if (!isDigit(asciiAt(text, at + (isSigned ? 2 : 1))))
-        return;
-    out.append('e');
-    if (sign == '-')
-        out.append('-');
-    appendDigits(text, at + (isSigned ? 2 : 1), out);
-}
-
-DecimalPrefix decimalPrefix(QStringView text)
-{
-    DecimalPrefix prefix;
-    qsizetype at = appendDigits(text, readSign(text, prefix), prefix.digits);
-    bool any = !prefix.digits.isEmpty();
-    if (asciiAt(text, at) == '.') {
-        prefix.digits.append('.');
-        const qsizetype fraction = at + 1;
-        at = appendDigits(text, fraction, prefix.digits);
-        any = any || at > fraction;
-    }
-    if (!any) {
-        prefix.digits.clear();
-        return prefix;
-    }
-    readExponent(text, at, prefix.digits);
-    return prefix;
-}
-
-/// Out of range is either far too large or far too small; the mantissa and exponent tell which.
-template <typename Real> Real outOfRangeValue(const NumberText &digits)
-{
-    const auto exponent = std::find(digits.begin(), digits.end(), 'e');
-    if (exponent != digits.end())
-        return exponent + 1 != digits.end() && exponent[1] == '-'
-                   ? Real(0)
-                   : std::numeric_limits<Real>::max();
-    const bool large = std::any_of(digits.begin(), std::find(digits.begin(), digits.end(), '.'),
-                                   [](char digit) { return digit != '0'; });
-    return large ? std::numeric_limits<Real>::max() : Real(0);
-}
-
-template <typename Real> Real realFromText(QStringView text)
-{
-    const DecimalPrefix prefix = decimalPrefix(text);
-    if (prefix.digits.isEmpty())
-        return 0;
-    Real value = 0;
-    const auto [end, error] = std::from_chars(prefix.digits.begin(), prefix.digits.end(), value);
-    if (error == std::errc::result_out_of_range)
-        value = outOfRangeValue<Real>(prefix.digits);
-    return prefix.negative ? -value : value;
-}
-
-template <typename Integer> Integer integerFromText(QStringView text)
-{
-    using Limits = std::numeric_limits<Integer>;
-    DecimalPrefix prefix;
-    NumberText digits;
-    const qsizetype at = readSign(text, prefix);
-    if (prefix.negative)
-        digits.append('-');
-    appendDigits(text, at, digits);
-    Integer value = 0;
-    const auto [end, error] = std::from_chars(digits.begin(), digits.end(), value);
-    if (error == std::errc::result_out_of_range)
-        return prefix.negative ? Limits::min() : Limits::max();
-    return value;
-}
 
 template <typename Integer> Integer integerFromReal(double value)
 {
@@ -174,13 +54,21 @@ template <typename Integer> Integer integerFrom(const QVariant &value)
 {
     const int type = value.typeId();
     if (type == QMetaType::QString)
-        return integerFromText<Integer>(value.toString());
+        return clampedTo<Integer>(longFromText(value.toString()));
     if (isReal(type))
         return integerFromReal<Integer>(value.toDouble());
     if (isUnsigned(type))
         return clampedTo<Integer>(static_cast<qint64>(
             std::min<quint64>(value.toULongLong(), std::numeric_limits<qint64>::max())));
     return isSigned(type) ? clampedTo<Integer>(value.toLongLong()) : Integer(0);
+}
+
+template <typename Real> Real realFromText(const QString &text)
+{
+    if constexpr (std::is_same_v<Real, float>)
+        return floatFromText(text);
+    else
+        return doubleFromText(text);
 }
 
 template <typename Real> Real realFrom(const QVariant &value)
@@ -241,43 +129,10 @@ bool boolValue(const QVariant &value)
 {
     const int type = value.typeId();
     if (type == QMetaType::QString)
-        return boolValue(QStringView(value.toString()));
+        return boolFromText(value.toString());
     if (isReal(type))
         return doubleValue(value) != 0.0;
     return isUnsigned(type) ? value.toULongLong() != 0 : longValue(value) != 0;
-}
-
-int intValue(QStringView text)
-{
-    return integerFromText<int>(text);
-}
-
-qint64 longValue(QStringView text)
-{
-    return integerFromText<qint64>(text);
-}
-
-float floatValue(QStringView text)
-{
-    return realFromText<float>(text);
-}
-
-double doubleValue(QStringView text)
-{
-    return realFromText<double>(text);
-}
-
-bool boolValue(QStringView text)
-{
-    switch (const char first = asciiAt(text, skipSpace(text))) {
-    case 'Y':
-    case 'y':
-    case 'T':
-    case 't':
-        return true;
-    default:
-        return isDigit(first) && first != '0';
-    }
 }
 
 QVariant valueForKeyPath(const QVariantMap &holder, QStringView path)

@@ -7,27 +7,16 @@ class QObject;
 
 namespace pulsebar {
 
-/// Numeric readings of one value. A number is converted (towards zero for the integers, to the
-/// nearest limit when it does not fit, not-a-number to 0). A text is read as a leading decimal
-/// number after leading white space and ends at the first stranger; nothing readable gives 0.
-/// Texts never give an infinity or not-a-number: "inf", "nan" and "0x10" are not decimal, and a
-/// number too large becomes the largest one. The user's locale has no say. Anything that is
-/// neither a number nor a text, and an invalid value, reads as 0.
+/// Numeric readings of one value. A number is converted: towards zero for the integers, to the
+/// nearest limit when it does not fit, not-a-number to 0. A text is read as DecimalText.h says.
+/// Anything that is neither a number nor a text, and an invalid value, reads as 0.
 int intValue(const QVariant &value);
 qint64 longValue(const QVariant &value);
 float floatValue(const QVariant &value);
 double doubleValue(const QVariant &value);
 
-/// A number is true when it is not 0; a text is true when it begins, after leading blanks, with
-/// "Y", "y", "T", "t" or a digit other than 0.
+/// A number is true when it is not 0; a text as DecimalText.h says.
 bool boolValue(const QVariant &value);
-
-/// The same readings of a text.
-int intValue(QStringView text);
-qint64 longValue(QStringView text);
-float floatValue(QStringView text);
-double doubleValue(QStringView text);
-bool boolValue(QStringView text);
 
 /// The value at a dotted path such as u"NetStatistics.InBytes". Each component is looked up in the
 /// dictionary that the one before it answered; a link that is missing or is no dictionary gives
