@@ -1,9 +1,11 @@
 #include "platform/linux_/DesktopProcessIcons.h"
 
 #include "platform/linux_/low/SmallFile.h"
+#include "platform/linux_/low/proc_pid_stat.h"
 #include "platform/linux_/low/process_origin.h"
 
 #include <array>
+#include <limits>
 #include <unistd.h>
 #include <utility>
 
@@ -75,27 +77,34 @@ QString DesktopProcessIcons::find(int pid, int parent)
         application = applicationOf(parent);
         if (application && !application->shown)
             return {};
-        const auto identity = parseProcessIdentity(file(parent, "stat"));
-        parent = identity ? identity->parent : 0;
+        parent = identityOf(parent).parent;
     }
     return application ? QString::fromStdString(application->icon) : QString();
+}
+
+DesktopProcessIcons::Identity DesktopProcessIcons::identityOf(int pid) const
+{
+    const std::string text = file(pid, "stat");
+    const auto stat = parsePidStat(text);
+    if (!stat || stat->parent > std::numeric_limits<int>::max())
+        return {};
+    return {true, static_cast<int>(stat->parent), stat->startTicks};
 }
 
 QString DesktopProcessIcons::iconForPID(const QString &pid)
 {
     bool isNumber = false;
     const int number = pid.toInt(&isNumber);
-    const auto identity =
-        isNumber && number > 0 ? parseProcessIdentity(file(number, "stat")) : std::nullopt;
-    if (!identity)
+    const Identity identity = isNumber && number > 0 ? identityOf(number) : Identity();
+    if (!identity.exists)
         return {};
     const auto known = m_answers.find(number);
-    if (known != m_answers.end() && known->second.startTime == identity->startTime)
+    if (known != m_answers.end() && known->second.startTime == identity.startTime)
         return known->second.icon;
     if (m_answers.size() >= mostAnswers)
         m_answers.clear();
-    const QString icon = find(number, identity->parent);
-    m_answers[number] = {identity->startTime, icon};
+    const QString icon = find(number, identity.parent);
+    m_answers[number] = {identity.startTime, icon};
     return icon;
 }
 

@@ -4,7 +4,7 @@
 #include "platform/linux_/DesktopEntries.h"
 #include "platform/linux_/low/Sysroot.h"
 
-#include <optional>
+#include <cstdint>
 #include <string>
 #include <unordered_map>
 
@@ -26,6 +26,13 @@ public:
     QString iconForPID(const QString &pid) override;
 
 private:
+    struct Identity
+    {
+        bool exists = false;
+        int parent = 0;
+        std::uint64_t startTime =
+            0; ///< ticks after boot; with the number it names a process for good
+    };
     struct Answer
     {
         std::uint64_t startTime = 0;
@@ -34,6 +41,7 @@ private:
 
     std::string file(int pid, const char *name) const;
     std::string executable(int pid) const;
+    Identity identityOf(int pid) const;
     const DesktopEntries::Application *applicationOf(int pid);
     QString find(int pid, int parent);
 

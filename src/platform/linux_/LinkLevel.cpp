@@ -154,15 +154,13 @@ bool leadsTo(const Link *end, const std::set<int> &namespaces)
 }
 
 /// The number of the namespace that the container was made from, as far as the ends tell.
-std::set<int> namespaceOfOrigin(const Links &ends)
+int namespaceOfOrigin(const Links &ends)
 {
-    int lowest = std::numeric_limits<int>::max();
-    for (const Link *end : ends) {
-        // One without a number is going away.
-        if (*end->lowerNamespace >= 0)
-            lowest = std::min(lowest, *end->lowerNamespace);
-    }
-    return {lowest};
+    // Without a number (-1) is one that is going away: as unsigned it comes last.
+    unsigned lowest = std::numeric_limits<unsigned>::max();
+    for (const Link *end : ends)
+        lowest = std::min(lowest, static_cast<unsigned>(*end->lowerNamespace));
+    return static_cast<int>(lowest);
 }
 
 /// A container's own ends among all ends of pairs that lead out of it (rule 4).
@@ -176,7 +174,7 @@ Links ownEnds(const Namespace &space, Links ends, const Links &moved)
     for (const Link *link : moved)
         origin.insert(*link->lowerNamespace);
     if (origin.empty())
-        origin = namespaceOfOrigin(ends);
+        origin.insert(namespaceOfOrigin(ends));
     std::erase_if(ends, [&](const Link *end) { return !leadsTo(end, origin); });
     return ends;
 }

@@ -11,6 +11,7 @@ namespace {
 /// Numbers of the fields as proc(5) counts them.
 enum Field {
     FirstNumber = 4,
+    Parent = 4,
     MajorFaults = 12,
     UserTime = 14,
     KernelTime = 15,
@@ -52,6 +53,7 @@ std::optional<PidStat> parsePidStat(std::string_view text)
             return std::nullopt;
         fields[i] = *value;
     }
+    stat.parent = fields[Parent];
     stat.majorFaults = fields[MajorFaults];
     stat.userTicks = fields[UserTime];
     stat.kernelTicks = fields[KernelTime];

@@ -9,8 +9,9 @@ namespace pulsebar {
 /// What /proc/PID/stat tells about a process. Ticks are USER_HZ (1/100 s).
 struct PidStat
 {
-    std::string_view comm; ///< the process's own choice: any bytes but NUL; points into the text
-    char state = '?';      ///< R, S, D, T, t, Z, X, I
+    std::string_view comm;    ///< the process's own choice: any bytes but NUL; points into the text
+    char state = '?';         ///< R, S, D, T, t, Z, X, I
+    std::uint64_t parent = 0; ///< process number of the parent; 0 without one
     std::uint64_t majorFaults = 0;
     std::uint64_t userTicks = 0;
     std::uint64_t kernelTicks = 0;

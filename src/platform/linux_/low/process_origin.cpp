@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <limits>
 
 namespace pulsebar {
 
@@ -93,25 +92,6 @@ std::string_view baseName(std::string_view path)
 {
     const auto slash = path.rfind('/');
     return slash == std::string_view::npos ? path : path.substr(slash + 1);
-}
-
-std::optional<ProcessIdentity> parseProcessIdentity(std::string_view stat)
-{
-    const auto nameEnd = stat.rfind(')');
-    if (nameEnd == std::string_view::npos)
-        return std::nullopt;
-    Scan scan(stat.substr(nameEnd + 1));
-    if (!scan.skipWords(1)) // the state
-        return std::nullopt;
-    const auto parent = scan.signedNumber();
-    constexpr int wordsBetween = 17;
-    if (!parent || *parent < 0 || *parent > std::numeric_limits<int>::max() ||
-        !scan.skipWords(wordsBetween))
-        return std::nullopt;
-    const auto start = scan.number();
-    if (!start)
-        return std::nullopt;
-    return ProcessIdentity{static_cast<int>(*parent), *start};
 }
 
 std::vector<std::string> desktopIdsOfCgroup(std::string_view cgroup)

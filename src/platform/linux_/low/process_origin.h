@@ -1,23 +1,10 @@
 #pragma once
 
-#include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace pulsebar {
-
-/// Which process this is, and whose child.
-struct ProcessIdentity
-{
-    int parent = 0;              ///< process number of the parent; 0 for none
-    std::uint64_t startTime = 0; ///< ticks after boot; with the number it names a process for good
-};
-
-/// Parses /proc/PID/stat. Absent when the line is cut off or damaged. The process's name in it may
-/// hold anything, parentheses and newlines too.
-std::optional<ProcessIdentity> parseProcessIdentity(std::string_view stat);
 
 /// Identifiers of desktop entries (without ".desktop") that the process's control group is named
 /// for, likeliest first. Desktops that start applications as units of the user's systemd name

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "platform/linux_/low/Sysroot.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace pulsebar {
+
+/// A machine whose files a test writes: a folder of its own, gone with the object.
+class TemporaryMachine
+{
+public:
+    TemporaryMachine()
+    {
+        std::string pattern = (std::filesystem::temp_directory_path() / "machine-XXXXXX").string();
+        const char *folder = ::mkdtemp(pattern.data());
+        EXPECT_NE(folder, nullptr);
+        m_folder = pattern;
+    }
+    ~TemporaryMachine()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_folder, ignored);
+    }
+    TemporaryMachine(const TemporaryMachine &) = delete;
+    TemporaryMachine &operator=(const TemporaryMachine &) = delete;
+
+    Sysroot root() const { return Sysroot(m_folder); }
+    std::string folder() const { return m_folder; }
+    std::string path(const std::string &file) const { return m_folder + '/' + file; }
+
+    void write(const std::string &file, const std::string &text) const
+    {
+        std::filesystem::create_directories(std::filesystem::path(path(file)).parent_path());
+        std::ofstream(path(file), std::ios::binary) << text;
+    }
+    void remove(const std::string &file) const { std::filesystem::remove_all(path(file)); }
+
+private:
+    std::string m_folder;
+};
+
+/// One of the recorded machines beside the tests, such as "laptop".
+inline Sysroot recordedMachine(const std::string &kind)
+{
+    return Sysroot(std::string(PULSEBAR_FIXTURES) + "/machines/" + kind);
+}
+
+} // namespace pulsebar
