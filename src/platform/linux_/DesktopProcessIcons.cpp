@@ -14,7 +14,6 @@ namespace pulsebar {
 namespace {
 
 constexpr int mostParents = 4;
-constexpr std::size_t mostAnswers = 512;
 // A command line can be megabytes long; the program stands at its start.
 constexpr std::size_t longestRead = 16U << 10U;
 
@@ -29,9 +28,11 @@ std::string_view withoutDeletedMark(std::string_view path)
 
 } // namespace
 
-DesktopProcessIcons::DesktopProcessIcons(Sysroot root, DesktopEntries entries)
+DesktopProcessIcons::DesktopProcessIcons(Sysroot root, DesktopEntries entries,
+                                         std::size_t mostAnswers)
     : m_root(std::move(root))
     , m_entries(std::move(entries))
+    , m_mostAnswers(mostAnswers)
 {
 }
 
@@ -101,7 +102,7 @@ QString DesktopProcessIcons::iconForPID(const QString &pid)
     const auto known = m_answers.find(number);
     if (known != m_answers.end() && known->second.startTime == identity.startTime)
         return known->second.icon;
-    if (m_answers.size() >= mostAnswers)
+    if (m_answers.size() >= m_mostAnswers)
         m_answers.clear();
     const QString icon = find(number, identity.parent);
     m_answers[number] = {identity.startTime, icon};

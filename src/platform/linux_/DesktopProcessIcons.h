@@ -4,6 +4,7 @@
 #include "platform/linux_/DesktopEntries.h"
 #include "platform/linux_/low/Sysroot.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <unordered_map>
@@ -22,7 +23,8 @@ namespace pulsebar {
 class DesktopProcessIcons : public ProcessIcons
 {
 public:
-    DesktopProcessIcons(Sysroot root, DesktopEntries entries);
+    /// @param mostAnswers for how many processes answers are kept
+    DesktopProcessIcons(Sysroot root, DesktopEntries entries, std::size_t mostAnswers = 512);
     QString iconForPID(const QString &pid) override;
 
 private:
@@ -47,6 +49,7 @@ private:
 
     Sysroot m_root;
     DesktopEntries m_entries;
+    std::size_t m_mostAnswers;
     std::unordered_map<int, Answer> m_answers;
 };
 
