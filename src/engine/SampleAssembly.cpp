@@ -110,7 +110,7 @@ void SampleAssembly::keepPreviousCPU(QVariantMap &sample, const QVariantMap &pre
     if (previous.isEmpty())
         return;
     if (!previous.contains(CpuUsage) && !m_saidNoCPU) {
-        qCWarning(logAssembly) << "no load per core: the system does not tell the cores' ticks";
+        qCInfo(logAssembly) << "the previous sample has no \"CPUUsage\"";
         m_saidNoCPU = true;
     }
     for (const QString &key : {CpuUsage, CpuUsageCoreAverage, CpuUsageMinuteStats}) {
