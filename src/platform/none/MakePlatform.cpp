@@ -2,6 +2,9 @@
 
 namespace pulsebar {
 
-std::unique_ptr<Platform> makePlatform() { return makeNonePlatform(); }
+std::unique_ptr<Platform> makePlatform()
+{
+    return makeNonePlatform();
+}
 
 } // namespace pulsebar
