@@ -108,6 +108,11 @@ function(pulsebar_script_test name)
     ENVIRONMENT "${PULSEBAR_TEST_ENVIRONMENT};${arg_ENVIRONMENT}")
 endfunction()
 
+# All fuzz targets and nothing else; what they do not link need not be built.
+if(PULSEBAR_FUZZ)
+  add_custom_target(fuzzers)
+endif()
+
 # pulsebar_fuzzer(name SOURCES ... LIBS ...): a libFuzzer program with its seeds in fuzz/corpus/<name>/.
 function(pulsebar_fuzzer name)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
@@ -115,6 +120,7 @@ function(pulsebar_fuzzer name)
   target_link_libraries(fuzz_${name} PRIVATE pulsebar_options ${arg_LIBS} -fsanitize=fuzzer)
   target_include_directories(fuzz_${name} PRIVATE "${PROJECT_SOURCE_DIR}/helpers")
   set_target_properties(fuzz_${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/fuzz")
+  add_dependencies(fuzzers fuzz_${name})
 endfunction()
 
 # pulsebar_benchmark(name SOURCES ... LIBS ...)
