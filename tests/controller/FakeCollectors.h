@@ -1,0 +1,42 @@
+#pragma once
+
+#include "engine/Collectors.h"
+#include "platform/ProcessIcons.h"
+
+#include <QString>
+#include <QStringList>
+#include <QVariantMap>
+
+#include <optional>
+
+namespace pulsebar {
+
+class FakeBattery : public BatteryCollector
+{
+public:
+    QVariantMap batteryStatus() override { return status; }
+    QVariantMap status;
+};
+
+class FakeTemperatures : public TemperatureCollector
+{
+public:
+    std::optional<QVariantMap> SMCGetTemperatures(bool fahrenheit) override
+    {
+        return QVariantMap{{QStringLiteral("CPU Die"), fahrenheit ? 122.0 : 50.0}};
+    }
+};
+
+class FakeIcons : public ProcessIcons
+{
+public:
+    QString iconForPID(const QString &pid) override
+    {
+        asked += pid;
+        return icon;
+    }
+    QString icon = QStringLiteral("browser");
+    QStringList asked;
+};
+
+} // namespace pulsebar
