@@ -9,6 +9,7 @@
 #include "controller/Scripting.h"
 #include "controller/Settings.h"
 #include "engine/TopMonitor.h"
+#include "platform/Desktop.h"
 #include "platform/Platform.h"
 #include "statusitem/PanelStatusItem.h"
 
@@ -25,17 +26,24 @@ namespace {
 
 Q_LOGGING_CATEGORY(lcApp, "pulsebar.app")
 
+/// quit() would ask every window first, and the strip does not let itself be closed.
+void endProgram()
+{
+    QCoreApplication::exit(EXIT_SUCCESS);
+}
+
 /// Everything that lives as long as the program, in the order in which it is made.
 class Program
 {
 public:
     Program()
         : m_platform(makePlatform())
+        , m_desktop(makeDesktop())
         , m_settings(Settings::standardFileName())
         , m_statusItem(surroundings())
         , m_monitor(sources(), SamplerCommand{samplerPath})
-        , m_controller({m_monitor, m_statusItem, m_settings, PanelStatusItem::programImage(),
-                        &QCoreApplication::quit})
+        , m_controller(
+              {m_monitor, m_statusItem, m_settings, PanelStatusItem::programImage(), endProgram})
         , m_scripting(m_controller)
     {
     }
@@ -57,6 +65,9 @@ private:
     PanelSurroundings surroundings()
     {
         PanelSurroundings surroundings;
+        surroundings.trayDock = m_desktop.trayDock.get();
+        surroundings.windowHints = m_desktop.windowHints.get();
+        surroundings.processNames = m_desktop.processNames.get();
         surroundings.stripPlace.load = [this] { return storedStripPlace(); };
         surroundings.stripPlace.store = [this](QPoint place) {
             m_settings.setValue(preferences::kStripPlace, QVector<int>{place.x(), place.y()});
@@ -79,6 +90,7 @@ private:
     }
 
     std::unique_ptr<Platform> m_platform;
+    Desktop m_desktop;
     Settings m_settings;
     PanelStatusItem m_statusItem;
     TopMonitor m_monitor;
@@ -127,7 +139,7 @@ int runProgram(QApplication &application)
 
     const TerminationSignals termination;
     QObject::connect(&termination, &TerminationSignals::terminationRequested, &application,
-                     &QCoreApplication::quit);
+                     &endProgram);
     Controller &controller = program.controller();
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &controller, &Controller::save);
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &controller,
