@@ -20,6 +20,8 @@ namespace {
 constexpr std::uint32_t busy = 10;
 constexpr std::uint32_t mostThreads = 64;
 constexpr std::uint64_t reportsToRemember = 16;
+/// Rows whose files are kept open, two each.
+constexpr std::size_t mostRowsWithFiles = 64;
 constexpr std::size_t cmdlineLimit = 4096;
 constexpr double nsPerSecond = 1e9;
 
@@ -86,16 +88,46 @@ void RowDetails::update(Details &details, const Process &process, std::uint64_t 
         details.wakeUpsPerSecond = 0;
         details.runningThreads.reset();
     } else {
+        decideOnFiles(details);
         updateName(details, process);
         if (m_wantsStatus)
             updateActivity(details, process, now);
         if (m_wantsCalls)
-            details.calls =
-                parseIoCalls(readWholeFile(pathOf(process.pid, "io")).value_or(std::string()));
+            updateCalls(details, process);
     }
     details.isRead = true;
     details.cpuTime = process.cpuTime;
     details.knownAt = now;
+}
+
+/// The file's text, valid until the next call; absent when it may not be read.
+std::optional<std::string_view> RowDetails::readFile(std::optional<SmallFile> &kept, pid_t pid,
+                                                     std::string_view name, bool keep)
+{
+    if (!kept && keep)
+        kept.emplace(pathOf(pid, name));
+    if (kept)
+        return kept->read();
+    auto text = readWholeFile(pathOf(pid, name));
+    if (!text)
+        return std::nullopt;
+    m_text = std::move(*text);
+    return m_text;
+}
+
+/// A row that was read before and is read again is likely to be read once more.
+void RowDetails::decideOnFiles(Details &details)
+{
+    if (details.keepsFiles || !details.isRead || m_rowsWithFiles >= mostRowsWithFiles)
+        return;
+    details.keepsFiles = true;
+    ++m_rowsWithFiles;
+}
+
+void RowDetails::updateCalls(Details &details, const Process &process)
+{
+    const auto text = readFile(details.ioFile, process.pid, "io", details.keepsFiles);
+    details.calls = parseIoCalls(text.value_or(std::string_view()));
 }
 
 void RowDetails::updateName(Details &details, const Process &process)
@@ -118,7 +150,7 @@ void RowDetails::updateName(Details &details, const Process &process)
 
 void RowDetails::updateActivity(Details &details, const Process &process, std::uint64_t now)
 {
-    const auto activity = readActivity(process);
+    const auto activity = readActivity(details, process);
     details.uid = activity.uid;
     details.runningThreads = activity.runningThreads;
     const bool comparable = details.switches && activity.switches &&
@@ -132,10 +164,10 @@ void RowDetails::updateActivity(Details &details, const Process &process, std::u
     details.allThreadsCounted = activity.allThreadsCounted;
 }
 
-RowDetails::Activity RowDetails::readActivity(const Process &process) const
+RowDetails::Activity RowDetails::readActivity(Details &details, const Process &process)
 {
     Activity activity;
-    const auto text = readWholeFile(pathOf(process.pid, "status"));
+    const auto text = readFile(details.statusFile, process.pid, "status", details.keepsFiles);
     if (!text)
         return activity;
     const auto status = parsePidStatus(*text);
@@ -178,6 +210,16 @@ void RowDetails::endReport()
     std::erase_if(m_details, [&](const auto &entry) {
         return entry.second.reportNumber + reportsToRemember < m_reportNumber;
     });
+    m_rowsWithFiles = 0;
+    for (auto &[pid, details] : m_details) {
+        if (details.reportNumber != m_reportNumber) {
+            details.keepsFiles = false;
+            details.statusFile.reset();
+            details.ioFile.reset();
+        }
+        if (details.keepsFiles)
+            ++m_rowsWithFiles;
+    }
     ++m_reportNumber;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/linux_/low/SmallFile.h"
 #include "platform/linux_/low/Sysroot.h"
 #include "top/Columns.h"
 #include "top/Process.h"
@@ -40,6 +41,10 @@ private:
         bool allThreadsCounted = false;
         double wakeUpsPerSecond = 0;
         bool isRead = false;
+        /// Kept open while the process is shown report after report.
+        bool keepsFiles = false;
+        std::optional<SmallFile> statusFile;
+        std::optional<SmallFile> ioFile;
     };
     /// Voluntary context switches and running threads of a process.
     struct Activity
@@ -53,9 +58,13 @@ private:
     Details &detailsOf(const Process &process);
     void update(Details &details, const Process &process, std::uint64_t now);
     void updateName(Details &details, const Process &process);
+    void updateCalls(Details &details, const Process &process);
     void updateActivity(Details &details, const Process &process, std::uint64_t now);
-    Activity readActivity(const Process &process) const;
+    Activity readActivity(Details &details, const Process &process);
+    std::optional<std::string_view> readFile(std::optional<SmallFile> &kept, pid_t pid,
+                                             std::string_view name, bool keep);
     void addThreads(Activity &activity, pid_t pid) const;
+    void decideOnFiles(Details &details);
     std::string pathOf(pid_t pid, std::string_view file) const;
 
     Sysroot m_sysroot;
@@ -65,6 +74,8 @@ private:
     UserNames m_users;
     std::unordered_map<pid_t, Details> m_details;
     std::uint64_t m_reportNumber = 0;
+    std::size_t m_rowsWithFiles = 0;
+    std::string m_text;
 };
 
 } // namespace pulsebar::top

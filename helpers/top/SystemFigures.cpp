@@ -13,7 +13,6 @@ namespace pulsebar::top {
 namespace {
 
 constexpr std::uint64_t kibPerMib = 1024;
-constexpr std::uint64_t bytesPerMib = 1U << 20U;
 constexpr std::uint64_t bytesPerSector = 512;
 /// Devices come and go rarely: which ones are hardware is looked up anew once in so many readings.
 constexpr unsigned readingsPerSearch = 32;

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <iterator>
 
 namespace pulsebar::top {
 namespace {
@@ -23,6 +25,11 @@ Process processNamed(std::string_view comm)
     process.commLength = static_cast<std::uint8_t>(comm.size());
     std::copy_n(comm.begin(), std::min(comm.size(), Process::commSpace), process.comm.begin());
     return process;
+}
+
+std::ptrdiff_t openDescriptors()
+{
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
 
 class RowDetailsTest : public testing::Test
@@ -75,6 +82,47 @@ TEST_F(RowDetailsTest, CountsWakeUpsSinceTheLastLook)
     EXPECT_DOUBLE_EQ(m_details.rowOf(process, 4 * second).wakeUpsPerSecond, 0.0);
     process.cpuTime = 30;
     EXPECT_DOUBLE_EQ(m_details.rowOf(process, 5 * second).wakeUpsPerSecond, 850.0);
+}
+
+TEST_F(RowDetailsTest, KeepsFilesOpenOnlyWhileTheirRowIsShown)
+{
+    auto process = processNamed("bash");
+    m_folder.write("proc/42/io", "syscr: 1\nsyscw: 1\n");
+    writeStatus(1);
+    const auto before = openDescriptors();
+    for (int i = 0; i < 3; ++i) {
+        process.cpuTime += 10;
+        EXPECT_EQ(m_details.rowOf(process, second).calls, 2U);
+        m_details.endReport();
+    }
+    EXPECT_EQ(openDescriptors(), before + 2);
+    m_folder.write("proc/42/io", "syscr: 5\nsyscw: 1\n");
+    process.cpuTime += 10;
+    EXPECT_EQ(m_details.rowOf(process, second).calls, 6U);
+    m_details.endReport();
+    m_details.endReport();
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST_F(RowDetailsTest, KeepsABoundedNumberOfFiles)
+{
+    const auto before = openDescriptors();
+    const auto folderOf = [](int pid) { return "proc/" + std::to_string(pid); };
+    for (int pid = 1; pid <= 100; ++pid) {
+        m_folder.write(folderOf(pid) + "/status", "Uid:\t0\t0\n");
+        m_folder.write(folderOf(pid) + "/io", "syscr: 1\nsyscw: 1\n");
+    }
+    for (int report = 0; report < 3; ++report) {
+        for (int pid = 1; pid <= 100; ++pid) {
+            auto process = processNamed("bash");
+            process.pid = pid;
+            process.cpuTime = static_cast<std::uint64_t>(report);
+            EXPECT_EQ(m_details.rowOf(process, second).calls, 2U);
+        }
+        m_details.endReport();
+    }
+    EXPECT_GT(openDescriptors(), before);
+    EXPECT_LE(openDescriptors(), before + 128);
 }
 
 TEST_F(RowDetailsTest, ANewOwnerOfTheNumberStartsAnew)

@@ -1,6 +1,8 @@
 #include "platform/linux_/low/SmallFile.h"
 
+#include <linux/magic.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -14,6 +16,26 @@ namespace {
 
 constexpr std::size_t firstSize = 4096;
 constexpr std::size_t largestSize = 4U << 20U;
+
+/// The kernel hands out a file of many records in pieces of whole records, so that a short read
+/// need not be its end. But no record is as long as half a page: a piece that left so much room is
+/// the last one.
+bool isLastPiece(ssize_t count, std::size_t room)
+{
+    constexpr std::size_t halfPage = 2048;
+    const auto size = static_cast<std::size_t>(count);
+    return size == 0 || (size < room && size < halfPage);
+}
+
+/// Files of the kernel itself are never replaced by others.
+bool isKernelFile(int descriptor)
+{
+    struct statfs facts
+    {
+    };
+    return ::fstatfs(descriptor, &facts) == 0 &&
+           (facts.f_type == PROC_SUPER_MAGIC || facts.f_type == SYSFS_MAGIC);
+}
 
 ssize_t readAt(int descriptor, char *target, std::size_t size, std::size_t offset)
 {
@@ -39,6 +61,7 @@ SmallFile::~SmallFile()
 SmallFile::SmallFile(SmallFile &&other) noexcept
     : m_path(std::move(other.m_path))
     , m_descriptor(std::exchange(other.m_descriptor, -1))
+    , m_mayBeReplaced(other.m_mayBeReplaced)
     , m_buffer(std::move(other.m_buffer))
     , m_size(std::exchange(other.m_size, 0))
 {
@@ -48,6 +71,7 @@ SmallFile &SmallFile::operator=(SmallFile &&other) noexcept
 {
     std::swap(m_path, other.m_path);
     std::swap(m_descriptor, other.m_descriptor);
+    std::swap(m_mayBeReplaced, other.m_mayBeReplaced);
     std::swap(m_buffer, other.m_buffer);
     std::swap(m_size, other.m_size);
     return *this;
@@ -56,6 +80,7 @@ SmallFile &SmallFile::operator=(SmallFile &&other) noexcept
 bool SmallFile::open()
 {
     m_descriptor = ::open(m_path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
+    m_mayBeReplaced = m_descriptor >= 0 && !isKernelFile(m_descriptor);
     return m_descriptor >= 0;
 }
 
@@ -67,6 +92,8 @@ void SmallFile::close()
 
 bool SmallFile::wasReplaced() const
 {
+    if (!m_mayBeReplaced)
+        return false;
     struct stat facts
     {
     };
@@ -83,10 +110,10 @@ bool SmallFile::fill()
             readAt(m_descriptor, m_buffer.data() + m_size, m_buffer.size() - m_size, m_size);
         if (count < 0)
             return false;
-        // The kernel may hand out a long file in pieces: only a read of nothing is its end.
-        if (count == 0)
-            return true;
+        const bool done = isLastPiece(count, m_buffer.size() - m_size);
         m_size += static_cast<std::size_t>(count);
+        if (done)
+            return true;
         if (m_size < m_buffer.size())
             continue;
         if (m_size >= largestSize)
@@ -117,15 +144,18 @@ std::optional<std::string> readWholeFile(const std::string &path, std::size_t li
     if (descriptor < 0)
         return std::nullopt;
     std::string text;
-    ssize_t count = 0;
-    do {
+    bool failed = false;
+    for (bool done = limit == 0; !done;) {
         const auto size = text.size();
-        text.resize(std::min(limit, size + firstSize));
-        count = readAt(descriptor, text.data() + size, text.size() - size, size);
+        const auto room = std::min(limit - size, firstSize);
+        text.resize(size + room);
+        const auto count = readAt(descriptor, text.data() + size, room, size);
+        failed = count < 0;
         text.resize(size + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-    } while (count > 0 && text.size() < limit);
+        done = failed || isLastPiece(count, room) || text.size() >= limit;
+    }
     ::close(descriptor);
-    if (count < 0)
+    if (failed)
         return std::nullopt;
     return text;
 }

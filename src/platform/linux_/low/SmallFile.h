@@ -34,6 +34,7 @@ private:
 
     std::string m_path;
     int m_descriptor = -1;
+    bool m_mayBeReplaced = false;
     std::vector<char> m_buffer;
     std::size_t m_size = 0;
 };
