@@ -125,6 +125,10 @@ void registerDBusTypes()
     qDBusRegisterMetaType<MenuEvent>();
     qDBusRegisterMetaType<MenuEventList>();
     qDBusRegisterMetaType<QList<int>>();
+    // Methods are looked up by the names that the generated adaptor spells out.
+    qRegisterMetaType<MenuItemPropertiesList>("pulsebar::MenuItemPropertiesList");
+    qRegisterMetaType<MenuItemKeysList>("pulsebar::MenuItemKeysList");
+    qRegisterMetaType<MenuEventList>("pulsebar::MenuEventList");
 }
 
 } // namespace pulsebar

@@ -103,8 +103,8 @@ void drawTextIn(QPainter &painter, const QRectF &box, const QString &text, const
 
 Ink inkOnPanel(bool dark)
 {
-    return dark ? Ink{QColor(Qt::white), QColor(0, 0, 0, 110)}
-                : Ink{QColor(0x20, 0x20, 0x20), QColor(255, 255, 255, 150)};
+    return dark ? Ink{QColor(Qt::white), QColor(0, 0, 0, 150)}
+                : Ink{QColor(0x20, 0x20, 0x20), QColor(255, 255, 255, 245)};
 }
 
 QFont lineFont(int height, double scale)

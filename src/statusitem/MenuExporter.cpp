@@ -12,7 +12,7 @@ namespace pulsebar {
 
 namespace {
 
-Q_LOGGING_CATEGORY(log, "pulsebar.menu")
+Q_LOGGING_CATEGORY(log, "pulsebar.menu", QtInfoMsg)
 
 QVariantMap onlyNamed(const QVariantMap &all, const QStringList &names)
 {

@@ -20,7 +20,7 @@ namespace pulsebar {
 
 namespace {
 
-Q_LOGGING_CATEGORY(log, "pulsebar.panel")
+Q_LOGGING_CATEGORY(log, "pulsebar.panel", QtInfoMsg)
 
 /// Panels of these hosts are dark whatever the desktop's windows are.
 bool hasDarkPanel(HostKind host)

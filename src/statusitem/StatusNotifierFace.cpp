@@ -16,7 +16,7 @@ namespace pulsebar {
 
 namespace {
 
-Q_LOGGING_CATEGORY(log, "pulsebar.panel")
+Q_LOGGING_CATEGORY(log, "pulsebar.panel", QtInfoMsg)
 
 const QString connectionName = QStringLiteral("pulsebar-panel");
 const QString busService = QStringLiteral("org.freedesktop.DBus");
