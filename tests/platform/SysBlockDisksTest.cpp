@@ -85,21 +85,39 @@ TEST(SysBlockDisks, ADiskWithoutStatisticsKeepsItsPlace)
     EXPECT_EQ(disks->at(1).readBytes, 1024);
 }
 
-TEST(SysBlockDisks, DisksComeAndGoAtTheNextReading)
+void addDisk(const TemporaryMachine &machine, const std::string &name, const std::string &stat)
+{
+    machine.write("sys/block/" + name + "/device/model", "disk\n");
+    machine.write("sys/block/" + name + "/stat", stat);
+}
+
+TEST(SysBlockDisks, ANewDiskIsThereWithinAFewReadings)
 {
     const TemporaryMachine machine;
-    machine.write("sys/block/sdb/device/model", "b\n");
-    machine.write("sys/block/sdb/stat", "1 0 1 1 1 0 1 1 0 0 0\n");
+    addDisk(machine, "sdb", "1 0 1 1 1 0 1 1 0 0 0\n");
     SysBlockDisks source(machine.root());
     EXPECT_THAT(namesOf(source.readDiskCounters()), ElementsAre("sdb"));
-    machine.write("sys/block/sda/device/model", "a\n");
-    machine.write("sys/block/sda/stat", "7 0 1 1 1 0 1 1 0 0 0\n");
+    addDisk(machine, "sda", "7 0 1 1 1 0 1 1 0 0 0\n");
     machine.write("sys/block/dm-0/stat", "7 0 1 1 1 0 1 1 0 0 0\n");
-    const auto both = source.readDiskCounters();
-    ASSERT_THAT(namesOf(both), ElementsAre("sda", "sdb"));
-    EXPECT_EQ(both->at(0).readOperations, 7);
-    machine.remove("sys/block/sdb");
-    EXPECT_THAT(namesOf(source.readDiskCounters()), ElementsAre("sda"));
+    auto disks = source.readDiskCounters();
+    for (int reading = 2; reading <= 4; ++reading)
+        disks = source.readDiskCounters();
+    ASSERT_THAT(namesOf(disks), ElementsAre("sda", "sdb"));
+    EXPECT_EQ(disks->at(0).readOperations, 7);
+    EXPECT_EQ(disks->at(1).readOperations, 1);
+}
+
+TEST(SysBlockDisks, ADiskThatIsPulledOutIsGoneAtTheNextReading)
+{
+    const TemporaryMachine machine;
+    addDisk(machine, "sda", "1 0 1 1 1 0 1 1 0 0 0\n");
+    addDisk(machine, "sdb", "2 0 1 1 1 0 1 1 0 0 0\n");
+    SysBlockDisks source(machine.root());
+    EXPECT_THAT(namesOf(source.readDiskCounters()), ElementsAre("sda", "sdb"));
+    machine.remove("sys/block/sda");
+    const auto disks = source.readDiskCounters();
+    ASSERT_THAT(namesOf(disks), ElementsAre("sdb"));
+    EXPECT_EQ(disks->at(0).readOperations, 2);
 }
 
 TEST(SysBlockDisks, ANewDiskOfAnOldNameStartsWithItsOwnFigures)

@@ -136,7 +136,8 @@ void DesktopEntries::readFolder(const std::string &folder, const std::string &id
 {
     m_readFolders.emplace_back(folder, changeTime(folder));
     for (const auto &name : sortedEntries(folder)) {
-        const std::string path = folder + '/' + name;
+        std::string path = folder;
+        path.append("/").append(name);
         if (name.ends_with(suffix))
             readEntry(path, idPrefix + name.substr(0, name.size() - suffix.size()));
         else if (depth < deepest && isFolder(path))

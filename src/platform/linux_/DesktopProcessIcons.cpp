@@ -104,7 +104,7 @@ QString DesktopProcessIcons::iconForPID(const QString &pid)
         return known->second.icon;
     if (m_answers.size() >= m_mostAnswers)
         m_answers.clear();
-    const QString icon = find(number, identity.parent);
+    QString icon = find(number, identity.parent);
     m_answers[number] = {identity.startTime, icon};
     return icon;
 }

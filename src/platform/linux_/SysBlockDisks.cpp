@@ -4,10 +4,14 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace pulsebar {
 
 namespace {
+
+/// How many readings go by without a listing between two with one.
+constexpr int readingsBetweenListings = 3;
 
 /// Absent when the product does not fit: no disk has counted that much, so the file is damaged.
 std::optional<std::int64_t> scaled(std::uint64_t value, std::int64_t factor)
@@ -41,32 +45,50 @@ SysBlockDisks::SysBlockDisks(const Sysroot &root)
 {
 }
 
-SmallFile &SysBlockDisks::statOf(const std::string &name)
+/// Absent disks are forgotten, and new ones opened, each in its place.
+bool SysBlockDisks::list()
 {
-    return m_stats.try_emplace(name, m_devices.of(name, "stat")).first->second;
+    const auto names = m_devices.list();
+    if (!names)
+        return false;
+    std::vector<Disk> disks;
+    disks.reserve(names->size());
+    for (const auto &name : *names) {
+        const auto known = std::ranges::find(m_disks, name, &Disk::name);
+        disks.push_back(known != m_disks.end() ? std::move(*known)
+                                               : Disk{name, SmallFile(m_devices.of(name, "stat"))});
+    }
+    m_disks = std::move(disks);
+    m_readingsUntilListing = readingsBetweenListings;
+    return true;
 }
 
-void SysBlockDisks::forgetAllBut(const std::vector<std::string> &names)
+std::vector<DiskCounters> SysBlockDisks::readAll()
 {
-    std::erase_if(m_stats, [&](const auto &entry) {
-        return !std::binary_search(names.begin(), names.end(), entry.first);
-    });
+    m_unreadable = 0;
+    std::vector<DiskCounters> counters;
+    counters.reserve(m_disks.size());
+    for (auto &disk : m_disks) {
+        const auto text = disk.stat.read();
+        m_unreadable += text ? 0U : 1U;
+        counters.push_back(countersOf(disk.name, text ? parseBlockStat(*text) : std::nullopt));
+    }
+    return counters;
 }
 
 std::optional<std::vector<DiskCounters>> SysBlockDisks::readDiskCounters()
 {
-    const auto names = m_devices.list();
-    if (!names)
+    const bool wasDue = m_readingsUntilListing-- <= 0;
+    if (wasDue && !list())
         return std::nullopt;
-    std::vector<DiskCounters> disks;
-    disks.reserve(names->size());
-    for (const auto &name : *names) {
-        const auto text = statOf(name).read();
-        disks.push_back(countersOf(name, text ? parseBlockStat(*text) : std::nullopt));
-    }
-    if (m_stats.size() > names->size())
-        forgetAllBut(*names);
-    return disks;
+    const auto unreadableBefore = m_unreadable;
+    auto counters = readAll();
+    if (wasDue || m_unreadable <= unreadableBefore)
+        return counters;
+    // A disk has gone since the last listing.
+    if (!list())
+        return std::nullopt;
+    return readAll();
 }
 
 } // namespace pulsebar

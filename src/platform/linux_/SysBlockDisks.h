@@ -4,13 +4,18 @@
 #include "platform/linux_/BlockDevices.h"
 #include "platform/linux_/low/SmallFile.h"
 
-#include <map>
+#include <cstddef>
+#include <string>
+#include <vector>
 
 namespace pulsebar {
 
 /// Counters of the whole disks from /sys/block/NAME/stat (the kernel's "Block layer statistics").
 /// Bytes are sectors of 512 bytes, times are the kernel's milliseconds given in nanoseconds. The
 /// kernel counts neither errors nor retries nor latency per device, so these are absent.
+///
+/// Listing /sys/block costs more than reading a disk, and disks come rarely: it is listed at every
+/// fourth reading, and at once when a disk that was there can no longer be read.
 class SysBlockDisks : public DiskCountersSource
 {
 public:
@@ -18,11 +23,19 @@ public:
     std::optional<std::vector<DiskCounters>> readDiskCounters() override;
 
 private:
-    SmallFile &statOf(const std::string &name);
-    void forgetAllBut(const std::vector<std::string> &names);
+    struct Disk
+    {
+        std::string name;
+        SmallFile stat; ///< kept open
+    };
+
+    bool list();
+    std::vector<DiskCounters> readAll();
 
     BlockDevices m_devices;
-    std::map<std::string, SmallFile> m_stats; ///< kept open, by disk name
+    std::vector<Disk> m_disks; ///< by name
+    int m_readingsUntilListing = 0;
+    std::size_t m_unreadable = 0; ///< disks whose figures could not be had at the last reading
 };
 
 } // namespace pulsebar
