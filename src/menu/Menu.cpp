@@ -46,9 +46,9 @@ bool sameItem(const MenuItem &one, const MenuItem &other)
 
 bool sameMenu(const Menu &one, const Menu &other)
 {
-    return one.title() == other.title()
-           && std::equal(one.items().begin(), one.items().end(), other.items().begin(),
-                         other.items().end(), sameItem);
+    return one.title() == other.title() &&
+           std::equal(one.items().begin(), one.items().end(), other.items().begin(),
+                      other.items().end(), sameItem);
 }
 
 Menu::Menu(QString title)
