@@ -8,6 +8,11 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cmath>
+#include <cstdio>
+#include <map>
+#include <string>
+
 namespace {
 
 using namespace pulsebar;
@@ -34,14 +39,16 @@ void parseReport(benchmark::State &state)
 }
 BENCHMARK(parseReport)->Arg(10)->Arg(20);
 
-/// The limit: the same bytes decoded and nothing else.
-void decodeReport(benchmark::State &state)
+/// The limit: the same bytes decoded and cut into texts, without a thought about their meaning.
+void cutReport(benchmark::State &state)
 {
     const QByteArray text = report(static_cast<int>(state.range(0)));
-    for (auto _ : state)
-        benchmark::DoNotOptimize(QString::fromUtf8(text));
+    for (auto _ : state) {
+        for (const QString &line : QString::fromUtf8(text).split(u'\n'))
+            benchmark::DoNotOptimize(line.split(u' ', Qt::SkipEmptyParts));
+    }
 }
-BENCHMARK(decodeReport)->Arg(20);
+BENCHMARK(cutReport)->Arg(10)->Arg(20);
 
 void parseMegabyteOfGarbage(benchmark::State &state)
 {
@@ -83,13 +90,43 @@ void publishSample(benchmark::State &state)
 }
 BENCHMARK(publishSample)->Arg(2)->Arg(16)->Unit(benchmark::kMicrosecond);
 
+/// Remembers what each benchmark took, to set them against each other at the end.
+class Ratios : public benchmark::ConsoleReporter
+{
+public:
+    void ReportRuns(const std::vector<Run> &runs) override
+    {
+        for (const Run &run : runs)
+            m_microseconds[run.benchmark_name()] =
+                run.cpu_accumulated_time / static_cast<double>(run.iterations) * 1e6;
+        ConsoleReporter::ReportRuns(runs);
+    }
+    void print() const
+    {
+        std::printf("parsing 20 rows / cutting them: %.1f\n",
+                    of("parseReport/20") / of("cutReport/20"));
+        std::printf("a sample of 2 cores / 1.0 ms, the floor of a program with one window: %.3f\n",
+                    of("publishSample/2") / 1000.0);
+    }
+
+private:
+    double of(const std::string &name) const
+    {
+        const auto found = m_microseconds.find(name);
+        return found == m_microseconds.end() ? std::nan("") : found->second;
+    }
+    std::map<std::string, double> m_microseconds;
+};
+
 } // namespace
 
 int main(int argc, char **argv)
 {
     QCoreApplication application(argc, argv);
     benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
+    Ratios ratios;
+    benchmark::RunSpecifiedBenchmarks(&ratios);
+    ratios.print();
     benchmark::Shutdown();
     return 0;
 }

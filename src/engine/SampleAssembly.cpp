@@ -123,6 +123,7 @@ void SampleAssembly::keepPreviousCPU(QVariantMap &sample, const QVariantMap &pre
 void SampleAssembly::addCores(QVariantMap &sample, const std::vector<CoreEntry> &cores)
 {
     std::vector<int> numbers;
+    numbers.reserve(cores.size());
     for (const CoreEntry &core : cores)
         numbers.push_back(core.number);
     m_caches.cpuUsage.setCores(numbers);
