@@ -44,7 +44,7 @@ void drawText(QPainter &painter, QPointF baseline, const QString &text, const In
         QPainterPath path;
         path.addText(baseline, painter.font(), text);
         painter.strokePath(path,
-                           QPen(ink.outline, 1.6, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+                           QPen(ink.outline, 1.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     }
     painter.setPen(ink.fill);
     painter.drawText(baseline, text);
@@ -79,15 +79,19 @@ void drawCentred(QPainter &painter, const QImage &picture, const QRectF &box)
                       picture);
 }
 
-/// The largest font in which the text fits the box.
+/// The largest font in which the text fits the box. Narrow letters are read more easily than small
+/// ones.
 QFont fittingFont(const QString &text, QSizeF box)
 {
+    constexpr double narrowest = 0.7;
     QFont font = QGuiApplication::font();
     font.setBold(true);
     font.setPixelSize(std::max(1, int(box.height())));
-    const double width = QFontMetricsF(font).horizontalAdvance(text);
-    if (width > box.width()) {
-        font.setPixelSize(std::max(1, int(box.height() * box.width() / width)));
+    const double room = box.width() / QFontMetricsF(font).horizontalAdvance(text);
+    if (room < 1) {
+        font.setStretch(int(100 * std::max(room, narrowest)));
+        const double left = box.width() / QFontMetricsF(font).horizontalAdvance(text);
+        font.setPixelSize(std::max(1, int(box.height() * std::min(1.0, left))));
     }
     return font;
 }
@@ -175,7 +179,7 @@ QImage drawShortText(const ItemContent &content, int extent, const Ink &ink)
         drawCentred(painter, drawIcon(content, iconExtent, ink), QRectF(0, 0, extent, iconExtent));
         box = QRectF(1, iconExtent, extent - 2, extent - iconExtent);
     }
-    drawTextIn(painter, box, shortTitle(content.title), ink);
+    drawTextIn(painter, box, content.title, ink);
     return image;
 }
 

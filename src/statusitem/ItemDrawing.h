@@ -38,7 +38,7 @@ QImage drawLine(const ItemContent &content, QSize size, double scale, const Ink 
 /// The image alone; the program's own sign when there is none or it cannot be loaded.
 QImage drawIcon(const ItemContent &content, int extent, const Ink &ink);
 
-/// A short text as large as a square allows; with an image, that above the text.
+/// The title, which is to be short, as large as a square allows; with an image, that above it.
 QImage drawShortText(const ItemContent &content, int extent, const Ink &ink);
 
 /// The program's sign, a pulse, in any size and colour.

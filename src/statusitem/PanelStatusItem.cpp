@@ -22,10 +22,11 @@ namespace {
 
 Q_LOGGING_CATEGORY(log, "pulsebar.panel", QtInfoMsg)
 
-/// Panels of these hosts are dark whatever the desktop's windows are.
+/// Panels of these hosts are dark, as they come, whatever the desktop's windows are.
 bool hasDarkPanel(HostKind host)
 {
-    return host == HostKind::Gnome || host == HostKind::Waybar || host == HostKind::Swaybar;
+    return host == HostKind::Gnome || host == HostKind::Waybar || host == HostKind::Swaybar ||
+           host == HostKind::Lxqt;
 }
 
 /// A name that resolves, for a host that draws nothing else.

@@ -215,8 +215,8 @@ void StripFace::hideEvent(QHideEvent *event)
 
 void StripFace::closeEvent(QCloseEvent *event)
 {
-    // The item goes with the program, not before.
-    event->ignore();
+    // The item goes with the program, not at a window manager's request.
+    event->setAccepted(!event->spontaneous());
 }
 
 } // namespace pulsebar

@@ -24,7 +24,9 @@ QImage pictureFor(const ItemContent &content, QSize wanted, QSize given, const I
 {
     if (!content.title.isEmpty() && cutToSquare(wanted, given)) {
         const int extent = std::min(given.width(), given.height());
-        const QImage square = drawShortText(content, extent, ink);
+        ItemContent shortened = content;
+        shortened.title = shortTitle(content.title);
+        const QImage square = drawShortText(shortened, extent, ink);
         QImage picture(given, QImage::Format_ARGB32_Premultiplied);
         picture.fill(Qt::transparent);
         for (int y = 0; y < extent; ++y) {

@@ -131,6 +131,13 @@ TEST(NotifierPixmaps, OffersWideOnesOnlyInTheWideStyle)
     EXPECT_EQ(wide[2].height, 44);
 }
 
+TEST(NotifierPixmaps, ShowTheShortTitleWithItsUnit)
+{
+    const auto pixmaps =
+        renderPixmaps(pixmapContentOf(titled("In 1.2MB"), PixmapStyle::ShortText, true));
+    EXPECT_EQ(pixmaps.first(), encoded(drawShortText(titled("1.2M"), 22, inkOnPanel(true))));
+}
+
 TEST(NotifierPixmaps, DifferOnlyWhenSomethingDrawnDiffers)
 {
     const auto of = [](const char *title, PixmapStyle style) {
