@@ -6,6 +6,7 @@
 #include "platform/linux_/BlockDevices.h"
 #include "platform/linux_/LinuxPlatform.h"
 
+#include <libmnl/libmnl.h>
 #include <linux/if_link.h>
 #include <linux/netlink.h>
 #include <linux/rtnetlink.h>
@@ -82,9 +83,10 @@ private:
     }
     bool isLast(ssize_t size) const
     {
-        auto left = static_cast<std::size_t>(std::max<ssize_t>(size, 0));
-        for (auto *message = reinterpret_cast<const nlmsghdr *>(m_buffer.data());
-             NLMSG_OK(message, left); message = NLMSG_NEXT(message, left)) {
+        int left = static_cast<int>(size);
+        const void *start = m_buffer.data();
+        for (auto *message = static_cast<const nlmsghdr *>(start); mnl_nlmsg_ok(message, left);
+             message = mnl_nlmsg_next(message, &left)) {
             if (message->nlmsg_type == NLMSG_DONE || message->nlmsg_type == NLMSG_ERROR)
                 return true;
         }
