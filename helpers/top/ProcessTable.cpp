@@ -1,5 +1,7 @@
 #include "top/ProcessTable.h"
 
+#include "top/Rounding.h"
+
 #include <algorithm>
 #include <limits>
 #include <tuple>
@@ -56,7 +58,7 @@ std::uint32_t tenthsOfPercent(std::uint64_t used, const WalkTime &time)
     if (time.elapsed == 0)
         return 0;
     const auto share = static_cast<double>(used) * 1000.0 / static_cast<double>(time.elapsed);
-    return static_cast<std::uint32_t>(std::min(share, time.processors * 1000.0) + 0.5);
+    return static_cast<std::uint32_t>(rounded(std::min(share, time.processors * 1000.0)));
 }
 
 } // namespace

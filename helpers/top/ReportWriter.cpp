@@ -1,5 +1,7 @@
 #include "top/ReportWriter.h"
 
+#include "top/Rounding.h"
+
 #include <utility>
 
 namespace pulsebar::top {
@@ -213,8 +215,8 @@ void ReportWriter::writeSize(std::uint64_t bytes)
 
 void ReportWriter::writePower(const Row &row)
 {
-    const auto tenths = row.wakeUpsPerSecond * percentPerWakeUp * 10 + 0.5;
-    m_text.decimal(row.tenthsOfPercent + static_cast<std::uint64_t>(tenths), 1);
+    const auto tenths = rounded(row.wakeUpsPerSecond * percentPerWakeUp * 10);
+    m_text.decimal(row.tenthsOfPercent + tenths, 1);
 }
 
 } // namespace pulsebar::top

@@ -4,6 +4,7 @@
 #include "platform/linux_/low/proc_diskstats.h"
 #include "platform/linux_/low/proc_loadavg.h"
 #include "platform/linux_/low/proc_net_dev.h"
+#include "top/Rounding.h"
 
 #include <algorithm>
 #include <unistd.h>
@@ -63,7 +64,7 @@ std::optional<CpuShares> cpuSharesBetween(const CpuTicks &before, const CpuTicks
     if (all <= 0)
         return std::nullopt;
     const auto share = [all](std::uint64_t ticks) {
-        return static_cast<unsigned>(static_cast<double>(ticks) * 10'000 / all + 0.5);
+        return static_cast<unsigned>(rounded(static_cast<double>(ticks) * 10'000 / all));
     };
     return CpuShares{share(user), share(kernel), share(idle)};
 }

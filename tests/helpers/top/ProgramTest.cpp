@@ -1,6 +1,7 @@
 #include "TestFolder.h"
 #include "top/Output.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
@@ -11,7 +12,6 @@
 #include <fcntl.h>
 #include <map>
 #include <poll.h>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <unistd.h>
@@ -157,7 +157,7 @@ TEST(Program, TellsAboutItself)
     EXPECT_TRUE(help.readOnce().starts_with("usage: pulsebar-top "));
     EXPECT_EQ(help.wait(), 0);
     Program version({"--version"});
-    EXPECT_TRUE(std::regex_match(version.readOnce(), std::regex("pulsebar-top [0-9.]+\n")));
+    EXPECT_THAT(version.readOnce(), testing::StartsWith("pulsebar-top 0."));
     EXPECT_EQ(version.wait(), 0);
 }
 
