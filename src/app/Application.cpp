@@ -14,6 +14,7 @@
 #include "statusitem/PanelStatusItem.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QLoggingCategory>
 #include <QPoint>
 
@@ -130,6 +131,15 @@ std::optional<int> joinSessionBus(QDBusConnection &bus, Scripting &scripting)
     return std::nullopt;
 }
 
+/// What task lists show for the program's windows, whether the theme icon is installed or not.
+QIcon windowIcon()
+{
+    QIcon icon;
+    for (const int size : {16, 32, 48})
+        icon.addFile(QStringLiteral(":/icons/%1.png").arg(size), QSize(size, size));
+    return icon;
+}
+
 int runProgram(QApplication &application)
 {
     Program program;
@@ -172,6 +182,7 @@ int runApplication(int argc, char *argv[])
     QApplication application(argc, argv);
     displayErrors.reset();
     QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setWindowIcon(windowIcon());
     return runProgram(application);
 }
 
