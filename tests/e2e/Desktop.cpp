@@ -1,0 +1,219 @@
+#include "e2e/Desktop.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QDirIterator>
+#include <QEventLoop>
+#include <QFile>
+#include <QFileInfo>
+#include <QTimer>
+
+#include <csignal>
+#include <stdexcept>
+
+namespace pulsebar::e2e {
+
+namespace {
+
+constexpr const char *kBusConfiguration =
+    R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>unix:dir=%1</listen>
+  <auth>EXTERNAL</auth>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+)";
+
+/// Starts a server that says on its first line where it is to be found.
+QString startServer(QProcess &server, const QString &program, const QStringList &arguments)
+{
+    server.setStandardErrorFile(QProcess::nullDevice());
+    server.start(program, arguments);
+    while (!server.canReadLine()) {
+        if (!server.waitForReadyRead(15000))
+            throw std::runtime_error("a server of the test does not start");
+    }
+    return QString::fromUtf8(server.readLine()).trimmed();
+}
+
+void stopServer(QProcess &server)
+{
+    server.kill();
+    server.waitForFinished();
+}
+
+void writeFile(const QString &name, const QByteArray &text)
+{
+    QFile file(name);
+    if (!QDir().mkpath(QFileInfo(name).path()) || !file.open(QIODevice::WriteOnly) ||
+        file.write(text) != text.size())
+        throw std::runtime_error("a file of the test cannot be written");
+}
+
+} // namespace
+
+bool waitFor(const std::function<bool()> &condition, int milliseconds)
+{
+    static constexpr int kLookAgain = 20;
+    const QDeadlineTimer deadline(milliseconds);
+    while (!condition()) {
+        if (deadline.hasExpired())
+            return false;
+        QEventLoop loop;
+        QTimer::singleShot(kLookAgain, &loop, &QEventLoop::quit);
+        loop.exec();
+    }
+    return true;
+}
+
+Process::Process(const QString &program, const QStringList &arguments,
+                 const QProcessEnvironment &environment)
+{
+    QObject::connect(&m_process, &QProcess::readyReadStandardOutput,
+                     [this] { m_output += m_process.readAllStandardOutput(); });
+    QObject::connect(&m_process, &QProcess::readyReadStandardError,
+                     [this] { m_log += m_process.readAllStandardError(); });
+    m_process.setProcessEnvironment(environment);
+    m_process.start(program, arguments);
+    if (!m_process.waitForStarted())
+        throw std::runtime_error("a program of the test does not start");
+}
+
+Process::~Process()
+{
+    m_process.disconnect();
+    if (m_process.state() == QProcess::NotRunning)
+        return;
+    m_process.kill();
+    m_process.waitForFinished();
+}
+
+void Process::signal(int number) const
+{
+    ::kill(static_cast<pid_t>(pid()), number);
+}
+
+int Process::waitForEnd()
+{
+    const bool ended = waitFor([this] { return m_process.state() == QProcess::NotRunning; });
+    return ended && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+}
+
+Desktop::Desktop()
+{
+    m_environment.insert(QStringLiteral("PATH"), qEnvironmentVariable("PATH"));
+    for (const char *name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS"}) {
+        if (qEnvironmentVariableIsSet(name))
+            m_environment.insert(QString::fromLatin1(name), qEnvironmentVariable(name));
+    }
+    m_environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+    m_environment.insert(QStringLiteral("QT_FORCE_STDERR_LOGGING"), QStringLiteral("1"));
+    m_environment.insert(QStringLiteral("HOME"), m_folder.path());
+    for (const char *name :
+         {"CONFIG_HOME", "DATA_HOME", "CACHE_HOME", "STATE_HOME", "RUNTIME_DIR"}) {
+        const QString folder = m_folder.filePath(QString::fromLatin1(name).toLower());
+        QDir().mkpath(folder);
+        QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        m_environment.insert(QStringLiteral("XDG_") + QLatin1String(name), folder);
+    }
+    startBus();
+    startDisplay();
+}
+
+Desktop::~Desktop()
+{
+    stopBus();
+    stopDisplay();
+}
+
+void Desktop::startBus()
+{
+    const QString configuration = m_folder.filePath(QStringLiteral("bus.conf"));
+    writeFile(configuration, QString::fromLatin1(kBusConfiguration).arg(m_folder.path()).toUtf8());
+    const QString address =
+        startServer(m_busDaemon, QStringLiteral("dbus-daemon"),
+                    {QStringLiteral("--nofork"), QStringLiteral("--print-address"),
+                     QStringLiteral("--config-file"), configuration});
+    m_environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), address);
+    m_bus =
+        std::make_unique<QDBusConnection>(QDBusConnection::connectToBus(address, m_folder.path()));
+    if (!m_bus->isConnected())
+        throw std::runtime_error("the test's bus cannot be reached");
+}
+
+void Desktop::startDisplay()
+{
+    const QString number =
+        startServer(m_xServer, QStringLiteral("Xvfb"),
+                    {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
+                     QStringLiteral("0"), QStringLiteral("800x600x24"), QStringLiteral("-nolisten"),
+                     QStringLiteral("tcp")});
+    m_environment.insert(QStringLiteral("DISPLAY"), u':' + number);
+}
+
+void Desktop::stopBus()
+{
+    if (m_bus)
+        QDBusConnection::disconnectFromBus(m_folder.path());
+    m_bus.reset();
+    stopServer(m_busDaemon);
+}
+
+void Desktop::stopDisplay()
+{
+    stopServer(m_xServer);
+}
+
+QString Desktop::settingsFile() const
+{
+    return m_folder.filePath(QStringLiteral("config_home/Pulsebar/Pulsebar.conf"));
+}
+
+void Desktop::writeSettings(const QByteArray &text) const
+{
+    writeFile(settingsFile(), text);
+}
+
+QByteArray Desktop::settings() const
+{
+    QFile file(settingsFile());
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QString Desktop::useMachine(const QString &kind)
+{
+    const QDir recorded(QStringLiteral(PULSEBAR_FIXTURES "/machines/") + kind);
+    const QDir copy(m_folder.filePath(QStringLiteral("machine")));
+    QDirIterator files(recorded.path(), QDir::Files, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString from = files.next();
+        const QString to = copy.filePath(recorded.relativeFilePath(from));
+        QDir().mkpath(QFileInfo(to).path());
+        if (!QFile::copy(from, to))
+            throw std::runtime_error("the recorded machine cannot be copied");
+        QFile::setPermissions(to, QFile::ReadOwner | QFile::WriteOwner);
+    }
+    m_environment.insert(QStringLiteral("PULSEBAR_SYSROOT"), copy.path());
+    return copy.path();
+}
+
+std::unique_ptr<Process> Desktop::startProgram(const QStringList &arguments)
+{
+    return std::make_unique<Process>(QStringLiteral(PULSEBAR_PROGRAMS "/pulsebar"), arguments,
+                                     m_environment);
+}
+
+std::unique_ptr<Process> Desktop::startClient(const QStringList &arguments)
+{
+    return std::make_unique<Process>(QStringLiteral(PULSEBAR_PROGRAMS "/pulsebarctl"), arguments,
+                                     m_environment);
+}
+
+} // namespace pulsebar::e2e
