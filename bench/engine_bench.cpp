@@ -94,6 +94,10 @@ BENCHMARK(publishSample)->Arg(2)->Arg(16)->Unit(benchmark::kMicrosecond);
 class Ratios : public benchmark::ConsoleReporter
 {
 public:
+    Ratios()
+        : ConsoleReporter(OO_Tabular)
+    {
+    }
     void ReportRuns(const std::vector<Run> &runs) override
     {
         for (const Run &run : runs)
