@@ -192,7 +192,7 @@ QStringList TopMonitor::topArguments() const
                           QStringLiteral("-n"),
                           QString::number(m_settings.listMax),
                           QStringLiteral("-s"),
-                          QString::number(m_settings.refreshSec)};
+                          QString::number(m_settings.interval())};
     if (m_settings.sortByMemory)
         arguments << QStringLiteral("-o") << QStringLiteral("rsize");
     if (!m_settings.checkMemory)

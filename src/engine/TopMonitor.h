@@ -112,7 +112,9 @@ public:
     /// Whether there is a sampler: running, about to be launched, or ended on its own and replaced
     /// by empty samples.
     bool topTaskExists() const;
-    /// The sampler's argument list for the present settings.
+    /// The sampler's argument list for the present settings. A refreshSec of 0 or less is asked of
+    /// it as 1: it takes no such interval, and a damaged setting is to cost nobody the process
+    /// list.
     QStringList topArguments() const;
 
     /// The timer is a hook for work between samples: it keeps its rules and does nothing.

@@ -91,6 +91,16 @@ TEST_F(TopMonitorTest, TheArgumentsOfTheSampler)
               QStringLiteral("-l 0 -u -n 2 -s 1 -o rsize -R -stats ") + columns);
 }
 
+TEST_F(TopMonitorTest, ADamagedIntervalIsAskedOfTheSamplerAsOneSecond)
+{
+    for (const int seconds : {0, -7}) {
+        m_monitor.setRefreshSec(seconds);
+        EXPECT_EQ(m_monitor.refreshSec(), seconds);
+        EXPECT_EQ(m_monitor.topArguments().mid(5, 2),
+                  (QStringList{QStringLiteral("-s"), QStringLiteral("1")}));
+    }
+}
+
 TEST_F(TopMonitorTest, SettersStartNothingWhileTheSamplerIsOff)
 {
     m_monitor.setListMax(5);
