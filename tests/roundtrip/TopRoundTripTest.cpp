@@ -141,12 +141,10 @@ TEST(TopRoundTrip, NamesThatLookLikeColumnsStayNames)
                              "\xe2\x80\xa8",
                              "x \xe2\x80\x83 3.5",
                              "\xc2\xa0",
-                             "x \xc2\xa0"
-                             "2.5",
+                             "x \u00a02.5",
                              "\xe3\x80\x80",
                              "\xef\xbb\xbf",
-                             "\xe2\x80\xae"
-                             "evil",
+                             "\u202eevil",
                              ") R 1 2 3",
                              "(sd-pam)",
                              "kworker/0:1H-kblockd",

@@ -84,6 +84,7 @@ private:
         else
             ::setenv("PULSEBAR_SYSROOT", sysroot.c_str(), 1);
         std::vector<char *> pointers;
+        pointers.reserve(arguments.size() + 1);
         for (const auto &argument : arguments)
             pointers.push_back(const_cast<char *>(argument.c_str()));
         pointers.push_back(nullptr);
@@ -157,7 +158,8 @@ TEST(Program, TellsAboutItself)
     EXPECT_TRUE(help.readOnce().starts_with("usage: pulsebar-top "));
     EXPECT_EQ(help.wait(), 0);
     Program version({"--version"});
-    EXPECT_THAT(version.readOnce(), testing::MatchesRegex("pulsebar-top [0-9]+[.][0-9]+[.][0-9]+\n"));
+    EXPECT_THAT(version.readOnce(),
+                testing::MatchesRegex("pulsebar-top [0-9]+[.][0-9]+[.][0-9]+\n"));
     EXPECT_EQ(version.wait(), 0);
 }
 
