@@ -1,6 +1,7 @@
 #include "platform/linux_/desktop/LinuxDesktop.h"
 #include "platform/linux_/desktop/X11Screen.h"
 
+#include <array>
 #include <utility>
 
 namespace pulsebar {
@@ -26,18 +27,24 @@ public:
 
     void keepOnAllWorkspaces(quintptr window) override
     {
-        ask(window, m_desktop, {allDesktops, fromApplication});
-        ask(window, m_state, {addState, m_skipTaskbar, m_skipPager, fromApplication});
+        // The properties are for a window manager that starts later, the messages for one that
+        // runs.
+        const auto id = xcb_window_t(window);
+        m_screen->setProperty(id, m_desktop, XCB_ATOM_CARDINAL, {allDesktops});
+        const std::array<std::uint32_t, 2> states{m_skipTaskbar, m_skipPager};
+        xcb_change_property(m_screen->connection(), XCB_PROP_MODE_APPEND, id, m_state,
+                            XCB_ATOM_ATOM, 32, states.size(), states.data());
+        ask(id, m_desktop, {allDesktops, fromApplication});
+        ask(id, m_state, {addState, m_skipTaskbar, m_skipPager, fromApplication});
         xcb_flush(m_screen->connection());
     }
 
 private:
-    void ask(quintptr window, xcb_atom_t what, std::initializer_list<std::uint32_t> data) const
+    void ask(xcb_window_t window, xcb_atom_t what, std::initializer_list<std::uint32_t> data) const
     {
         constexpr std::uint32_t toWindowManager =
             XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-        m_screen->sendMessage(m_screen->screen().root, toWindowManager, xcb_window_t(window), what,
-                              data);
+        m_screen->sendMessage(m_screen->screen().root, toWindowManager, window, what, data);
     }
 
     std::unique_ptr<X11Screen> m_screen;
