@@ -40,7 +40,7 @@ TEST(NameForRow, BindsWordsThatReadAsNumbers)
     EXPECT_EQ(nameForRow("Web 2.5 Server"), "Web\u00a02.5 Server");
     EXPECT_EQ(nameForRow("a 1 2.5 b"), "a\u00a01\u00a02.5 b");
     EXPECT_EQ(nameForRow("half 50% done"), "half\u00a050% done");
-    EXPECT_EQ(nameForRow("Part 2"), "Part 2");
+    EXPECT_EQ(nameForRow("Volume 2"), "Volume 2");
 }
 
 TEST(NameForRow, ShowsBlanksThatWouldGetLost)
