@@ -56,7 +56,7 @@ QDBusMessage busCall(const QString &method, const QString &argument)
 }
 
 /// Hands the reply to `use` when it is there, and an error as well.
-void whenAnswered(QDBusConnection bus, const QDBusMessage &call, QObject *context,
+void whenAnswered(const QDBusConnection &bus, const QDBusMessage &call, QObject *context,
                   const std::function<void(const QDBusMessage &)> &use)
 {
     auto *pending = new QDBusPendingCallWatcher(bus.asyncCall(call), context);
