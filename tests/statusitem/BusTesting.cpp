@@ -31,7 +31,7 @@ void settle(const QList<QDBusConnection> &connections)
 {
     // Twice: what the first round brings may send messages of its own.
     for (int round = 0; round < 2; ++round) {
-        for (QDBusConnection connection : connections) {
+        for (const QDBusConnection &connection : connections) {
             QDBusPendingCallWatcher pending(connection.asyncCall(QDBusMessage::createMethodCall(
                 QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/"),
                 QStringLiteral("org.freedesktop.DBus.Peer"), QStringLiteral("Ping"))));
