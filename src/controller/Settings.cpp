@@ -176,7 +176,7 @@ template <> std::optional<QVector<int>> Settings::read<QVector<int>>(const char 
     const QVariant stored = storedValue(key);
     if (!stored.isValid())
         return std::nullopt;
-    const auto list = listFrom<int>(stored, integerFrom<int>);
+    auto list = listFrom<int>(stored, integerFrom<int>);
     if (!list)
         reportMalformed(key);
     return list;
@@ -187,7 +187,7 @@ template <> std::optional<QVector<bool>> Settings::read<QVector<bool>>(const cha
     const QVariant stored = storedValue(key);
     if (!stored.isValid())
         return std::nullopt;
-    const auto list = listFrom<bool>(stored, booleanFrom);
+    auto list = listFrom<bool>(stored, booleanFrom);
     if (!list)
         reportMalformed(key);
     return list;
