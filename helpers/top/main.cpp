@@ -17,7 +17,8 @@ using namespace pulsebar;
 using namespace pulsebar::top;
 
 constexpr std::uint64_t nsPerSecond = 1'000'000'000;
-constexpr std::uint64_t firstInterval = nsPerSecond / 5;
+/// Long enough for a first impression, short enough that the program's title is there at once.
+constexpr std::uint64_t firstInterval = nsPerSecond / 20;
 
 /// Ends this program with the one that started it. False when that one is gone already.
 bool followParent()
