@@ -4,6 +4,7 @@
 
 #include <QIODevice>
 #include <QLoggingCategory>
+#include <QStringDecoder>
 #include <QStringList>
 #include <QVariant>
 
@@ -12,6 +13,13 @@ namespace pulsebar::settingsformat {
 namespace {
 
 Q_LOGGING_CATEGORY(lcSettings, "pulsebar.settings")
+
+/// A byte order mark is a character like any other here; QString::fromUtf8() would drop it.
+QString textOf(QByteArrayView utf8)
+{
+    QStringDecoder decoder(QStringConverter::Utf8, QStringConverter::Flag::ConvertInitialBom);
+    return decoder.decode(utf8);
+}
 
 const QString &generalGroup()
 {
@@ -39,7 +47,7 @@ QByteArrayView takeLine(QByteArrayView &rest)
 QString groupOfHeader(QByteArrayView line)
 {
     const QByteArrayView inside = line.sliced(1, line.size() - 2).trimmed();
-    const QString name = QString::fromUtf8(inside);
+    const QString name = textOf(inside);
     return name == generalGroup() ? QString() : name;
 }
 
@@ -74,13 +82,13 @@ bool parseLine(QByteArrayView line, QString &group, QSettings::SettingsMap &valu
     const qsizetype equals = line.indexOf('=');
     if (equals <= 0)
         return false;
-    QString key = QString::fromUtf8(line.first(equals).trimmed());
+    QString key = textOf(line.first(equals).trimmed());
     key.replace(u'\\', u'/');
     if (!group.isEmpty())
         key = group + u'/' + key;
     if (!isKey(key))
         return false;
-    values.insert(key, valueFromText(QString::fromUtf8(line.sliced(equals + 1).trimmed())));
+    values.insert(key, valueFromText(textOf(line.sliced(equals + 1).trimmed())));
     return true;
 }
 

@@ -126,6 +126,8 @@ TEST(SettingsFormat, TextsComeBackExactly)
         EXPECT_EQ(roundTrip(s(text)), s(text)) << text;
     const QString withZero = s("a") + QChar(u'\0') + s("1b");
     EXPECT_EQ(roundTrip(withZero), withZero);
+    const QString withMark = QChar(QChar::ByteOrderMark) + s("a");
+    EXPECT_EQ(roundTrip(withMark), withMark);
     const QStringList list{s("a, b"), s(" c "), QString(), s("\"")};
     EXPECT_EQ(roundTrip(list), list);
 }
