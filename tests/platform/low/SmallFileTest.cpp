@@ -3,11 +3,13 @@
 #include "platform/linux_/low/Sysroot.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <unistd.h>
 
 namespace pulsebar {
 namespace {
@@ -70,6 +72,16 @@ TEST_F(SmallFileTest, ReadsMoreThanOneBufferAndStopsAtItsLimit)
     write(std::string((4U << 20U) + 5, 'y'));
     EXPECT_EQ(file.read()->size(), 4U << 20U);
     EXPECT_EQ(readWholeFile(m_path, 10), "yyyyyyyyyy");
+}
+
+TEST_F(SmallFileTest, AFifoThatNobodyWritesToIsNotWaitedFor)
+{
+    ASSERT_EQ(::mkfifo(m_path.c_str(), 0600), 0);
+    ::alarm(10); // ends the test where it would hang
+    SmallFile file(m_path);
+    EXPECT_FALSE(file.read());
+    EXPECT_FALSE(readWholeFile(m_path));
+    ::alarm(0);
 }
 
 TEST_F(SmallFileTest, AFolderCannotBeRead)

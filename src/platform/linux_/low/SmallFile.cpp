@@ -27,6 +27,13 @@ bool isLastPiece(ssize_t count, std::size_t room)
     return size == 0 || (size < room && size < halfPage);
 }
 
+/// Opens for reading. In a recorded machine anything may have a file's name: a FIFO that nobody
+/// writes to would be waited for without end.
+int openForReading(const std::string &path)
+{
+    return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+}
+
 /// Files of the kernel itself are never replaced by others.
 bool isKernelFile(int descriptor)
 {
@@ -79,7 +86,7 @@ SmallFile &SmallFile::operator=(SmallFile &&other) noexcept
 
 bool SmallFile::open()
 {
-    m_descriptor = ::open(m_path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
+    m_descriptor = openForReading(m_path);
     m_mayBeReplaced = m_descriptor >= 0 && !isKernelFile(m_descriptor);
     return m_descriptor >= 0;
 }
@@ -140,7 +147,7 @@ std::optional<std::string_view> SmallFile::read()
 
 std::optional<std::string> readWholeFile(const std::string &path, std::size_t limit)
 {
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
+    const int descriptor = openForReading(path);
     if (descriptor < 0)
         return std::nullopt;
     std::string text;
