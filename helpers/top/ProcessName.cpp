@@ -105,6 +105,13 @@ void bindDoubtfulWords(std::u32string &text)
     }
 }
 
+/// What stands for an unknown value may be somebody's name.
+void showAsKnown(std::u32string &text)
+{
+    if (text == U"N/A")
+        text[1] = divisionSlash;
+}
+
 std::string encoded(const std::u32string &text)
 {
     std::string bytes;
@@ -147,9 +154,8 @@ std::string nameForRow(std::string_view name)
     showOuterBlanks(text);
     bindRunsOfBlanks(text);
     bindDoubtfulWords(text);
-    if (text == U"N/A")
-        text[1] = divisionSlash;
-    else if (text.starts_with(U"N/A "))
+    showAsKnown(text);
+    if (text.starts_with(U"N/A "))
         text[3] = noBreakSpace;
     return encoded(text);
 }
@@ -163,6 +169,7 @@ std::string wordForRow(std::string_view text)
         if (isBlank(c))
             c = U'_';
     }
+    showAsKnown(word);
     return encoded(word);
 }
 

@@ -23,7 +23,7 @@ std::string completeName(std::string_view comm, std::string_view commandLine);
 /// - what is longer than 64 characters is cut.
 std::string nameForRow(std::string_view name);
 
-/// As nameForRow for a text of one word: blanks become "_".
+/// As nameForRow for a text of one word: blanks become "_". (No number is due after it.)
 std::string wordForRow(std::string_view text);
 
 } // namespace pulsebar::top

@@ -79,6 +79,11 @@ TEST(WordForRow, HasNoBlank)
     EXPECT_EQ(wordForRow(""), "?");
 }
 
+TEST(WordForRow, IsNeverUnknown)
+{
+    EXPECT_EQ(wordForRow("N/A"), "N\u2215A");
+}
+
 TEST(Utf8, EveryScalarValueSurvives)
 {
     for (char32_t c = 0; c <= 0x10FFFF; c += c < 0x3000 ? 1 : 97) {
