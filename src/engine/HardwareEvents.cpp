@@ -48,7 +48,9 @@ bool recordCrosses(const QVariantMap &entry, const QVariantMap &record)
 void HardwareEvents::postWhere(const QVariantList &entries, int type,
                                const std::function<bool(const QVariantMap &)> &fires) const
 {
-    for (const QVariant &element : entries) {
+    // Whoever hears of an event may let the next sample begin, which takes up other entries.
+    const QVariantList held = entries;
+    for (const QVariant &element : held) {
         const QVariantMap entry = element.toMap();
         if (intValueForKey(entry, QStringLiteral("type")) == type && fires(entry))
             m_post(entry);

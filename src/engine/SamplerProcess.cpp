@@ -22,6 +22,8 @@ Q_LOGGING_CATEGORY(logSampler, "pulsebar.sampler")
 using namespace std::chrono_literals;
 
 constexpr auto TerminateGrace = 1500ms;
+/// Reports are a second apart at the least; only a sampler gone wrong writes faster.
+constexpr auto ShortestPause = 250ms;
 constexpr int LongestIntervalSec = 24 * 60 * 60;
 
 /// Runs in the child between fork and exec: only what is safe there. Blocked signals are inherited,
@@ -44,6 +46,8 @@ SamplerProcess::SamplerProcess(SamplerCommand command, QObject *parent)
     m_launchTimer.setInterval(0);
     connect(&m_launchTimer, &QTimer::timeout, this, &SamplerProcess::launch);
     connect(&m_emptySampleTimer, &QTimer::timeout, this, [this] { Q_EMIT sampleReady({}); });
+    m_pauseTimer.setSingleShot(true);
+    connect(&m_pauseTimer, &QTimer::timeout, this, [this] { m_notifier->setEnabled(true); });
 }
 
 SamplerProcess::~SamplerProcess()
@@ -93,7 +97,7 @@ void SamplerProcess::launch()
         return;
     }
     m_notifier = new QSocketNotifier(m_pipe->readEnd(), QSocketNotifier::Read, this);
-    connect(m_notifier, &QSocketNotifier::activated, this, &SamplerProcess::readSample);
+    connect(m_notifier, &QSocketNotifier::activated, this, &SamplerProcess::onReadable);
 
     m_process = new QProcess(this);
     connectProcess();
@@ -111,6 +115,18 @@ void SamplerProcess::connectProcess()
     connect(m_process, &QProcess::errorOccurred, this, &SamplerProcess::onError);
 }
 
+void SamplerProcess::onReadable()
+{
+    const auto passed = std::chrono::milliseconds(m_sinceSample.isValid() ? m_sinceSample.elapsed()
+                                                                          : ShortestPause.count());
+    if (passed >= ShortestPause) {
+        readSample();
+        return;
+    }
+    m_notifier->setEnabled(false);
+    m_pauseTimer.start(ShortestPause - passed);
+}
+
 void SamplerProcess::readSample()
 {
     const SamplerPipe::Chunk chunk = m_pipe->readAvailable();
@@ -118,8 +134,15 @@ void SamplerProcess::readSample()
     if (!chunk.bytes.isEmpty())
         Q_EMIT sampleReady(chunk.bytes);
     // Whoever took the sample may have stopped or restarted the sampler.
-    if (chunk.ended && run && run == m_notifier)
-        beginEmptySamples();
+    if (!run || run != m_notifier)
+        return;
+    if (!chunk.bytes.isEmpty())
+        m_sinceSample.start();
+    if (!chunk.ended)
+        return;
+    if (m_process)
+        QTimer::singleShot(TerminateGrace, m_process, &QProcess::terminate);
+    beginEmptySamples();
 }
 
 void SamplerProcess::beginEmptySamples()
@@ -176,6 +199,8 @@ void SamplerProcess::retire()
 
 void SamplerProcess::dropPipe()
 {
+    m_pauseTimer.stop();
+    m_sinceSample.invalidate();
     if (m_notifier) {
         // Perhaps it is just being heard.
         m_notifier->setEnabled(false);

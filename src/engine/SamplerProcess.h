@@ -2,6 +2,7 @@
 
 #include "engine/MonitorSources.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QProcess>
 #include <QStringList>
@@ -16,8 +17,10 @@ namespace pulsebar {
 class SamplerPipe;
 
 /// Runs the sampler and hands over what it writes: one completed read, however long, is one
-/// sample. A sampler that ends or cannot be started gives one empty sample at once and then one per
-/// interval; it is not started again on its own.
+/// sample. Output that follows a sample too soon waits in the pipe for a moment, so that a sampler
+/// that never stops writing is read a few times a second and no more. A sampler that ends or cannot
+/// be started gives one empty sample at once and then one per interval; it is not started again on
+/// its own. One that only closes its output is of no more use and is asked to go.
 class SamplerProcess : public QObject
 {
     Q_OBJECT
@@ -43,6 +46,7 @@ Q_SIGNALS:
 private:
     void launch();
     void connectProcess();
+    void onReadable();
     void readSample();
     void beginEmptySamples();
     void onFinished(int exitCode, QProcess::ExitStatus status);
@@ -54,6 +58,8 @@ private:
     QStringList m_arguments;
     QTimer m_launchTimer;
     QTimer m_emptySampleTimer;
+    QTimer m_pauseTimer;         ///< runs while output waits in the pipe
+    QElapsedTimer m_sinceSample; ///< of this run; invalid before its first sample
     bool m_active = false;
     QProcess *m_process = nullptr; ///< a child object, as those that are on their way out are
     std::unique_ptr<SamplerPipe> m_pipe;

@@ -199,6 +199,19 @@ TEST_F(HardwareEventsTest, EntriesFireInTheirOrderUnchanged)
     EXPECT_EQ(fired(), (QVariantList{second, first}));
 }
 
+TEST_F(HardwareEventsTest, AnObserverMayReplaceTheEntriesItIsToldAbout)
+{
+    QVariantList entries{rising(10, 10), rising(10, 20), rising(10, 30)};
+    const QVariantList told = entries;
+    QVariantList heard;
+    HardwareEvents events([&](const QVariantMap &entry) {
+        heard.append(entry);
+        entries = {rising(10, 99)};
+    });
+    events.checkCPU(entries, average(u"CPUUsageMinuteStats", 0.5));
+    EXPECT_EQ(heard, told);
+}
+
 TEST_F(HardwareEventsTest, AMissingThresholdIsZero)
 {
     const QVariantMap entry{{Type, 10}, {ObserveType, 1}};

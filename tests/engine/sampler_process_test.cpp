@@ -83,6 +83,36 @@ TEST(SamplerProcess, MoreThanThePipeHoldsComesInPiecesAndCompletely)
         EXPECT_LT(sample.size(), 5 << 20);
 }
 
+TEST(SamplerProcess, ASamplerThatNeverStopsWritingGivesAFewSamplesASecond)
+{
+    const SamplerScript script(QStringLiteral("exec fake_sampler endless"));
+    SampledRun run(script.command());
+    run.sampler.start({}, 1);
+    ASSERT_TRUE(run.waitForSamples(1));
+    QElapsedTimer clock;
+    clock.start();
+    ASSERT_TRUE(run.waitForSamples(4));
+    EXPECT_GE(clock.elapsed(), 3 * 250);
+    for (const QByteArray &sample : run.samples)
+        EXPECT_LT(sample.size(), 5 << 20);
+}
+
+TEST(SamplerProcess, ANewRunNeedNotWaitForThePauseOfTheOld)
+{
+    const SamplerScript script(QStringLiteral("exec fake_sampler arguments \"$@\""));
+    SampledRun run(script.command());
+    QObject::connect(&run.sampler, &SamplerProcess::sampleReady, &run.sampler, [&] {
+        if (run.samples.size() < 20)
+            run.sampler.start({QString::number(run.samples.size())}, 1);
+    });
+    QElapsedTimer clock;
+    clock.start();
+    run.sampler.start({QStringLiteral("0")}, 1);
+    ASSERT_TRUE(run.waitForSamples(20));
+    EXPECT_EQ(run.samples[19], "19");
+    EXPECT_LT(clock.elapsed(), 19 * 250);
+}
+
 TEST(SamplerProcess, ASamplerThatEndsIsFollowedByEmptySamplesAtThePace)
 {
     const LogCapture log;
@@ -127,6 +157,19 @@ TEST(SamplerProcess, ADeathBySignalIsSaid)
     ASSERT_TRUE(run.waitForSamples(1));
     ASSERT_TRUE(waitFor([] { return !LogCapture::lines().isEmpty(); }));
     EXPECT_TRUE(LogCapture::lines()[0].contains(QStringLiteral("signal 9")));
+}
+
+TEST(SamplerProcess, ASamplerThatOnlyClosesItsOutputIsAskedToGo)
+{
+    const LogCapture log;
+    const SamplerScript script(QStringLiteral("exec fake_sampler close"));
+    SampledRun run(script.command());
+    run.sampler.start({}, 3600);
+    ASSERT_TRUE(run.waitForSamples(1));
+    EXPECT_TRUE(waitFor([&] { return run.sampler.processId() == 0; }));
+    ASSERT_EQ(LogCapture::lines().size(), 1);
+    EXPECT_TRUE(LogCapture::lines()[0].contains(QStringLiteral("signal 15")));
+    EXPECT_EQ(run.samples, (QList<QByteArray>{""}));
 }
 
 TEST(SamplerProcess, ASamplerThatClosesItsOutputHasEnded)

@@ -2,12 +2,14 @@
 // command line, or the behaviour's operands where it has some:
 //   arguments          writes its command line, blanks between, and waits
 //   flood BYTES        writes that many bytes that are no report, in one write, and waits
+//   endless            writes without a pause
 //   exit STATUS TEXT   writes TEXT and exits
 //   killed             ends by a signal
 //   stubborn           ignores SIGTERM, writes "ready" and waits
 //   close              closes its output and waits
-//   heir               writes "ready", leaves a child behind that keeps the output open, exits with
-//   0 masked             writes "blocked" or "open", as it finds SIGTERM, and waits
+//   heir               writes "ready", leaves a child behind that keeps the output open, exits
+//                      with 0
+//   masked             writes "blocked" or "open", as it finds SIGTERM, and waits
 #include <csignal>
 #include <cstdlib>
 #include <string>
@@ -54,6 +56,13 @@ std::string noise(std::size_t bytes)
     return text;
 }
 
+[[noreturn]] void sayWithoutEnd()
+{
+    ::alarm(60);
+    for (;;)
+        say("one line after the other\n");
+}
+
 void leaveHeir()
 {
     const pid_t parent = ::getpid();
@@ -77,6 +86,8 @@ int main(int argc, char **argv)
         say(joined(argc, argv));
     else if (mode == "flood")
         say(noise(static_cast<std::size_t>(std::atol(argv[2]))));
+    else if (mode == "endless")
+        sayWithoutEnd();
     else if (mode == "exit") {
         say(argv[3]);
         return std::atoi(argv[2]);
