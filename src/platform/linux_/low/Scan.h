@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace pulsebar {
 
@@ -35,5 +36,19 @@ private:
 
     std::string_view m_rest;
 };
+
+/// What a parser of one line, `std::optional<Record>(std::string_view)`, makes of each line of a
+/// text; lines of which it makes nothing are left out.
+template <typename Record, typename ParseLine>
+std::vector<Record> parseEachLine(std::string_view text, ParseLine parseLine)
+{
+    std::vector<Record> list;
+    Scan lines(text);
+    while (const auto line = lines.line()) {
+        if (const auto parsed = parseLine(*line))
+            list.push_back(*parsed);
+    }
+    return list;
+}
 
 } // namespace pulsebar

@@ -30,13 +30,7 @@ std::optional<DiskStatsLine> parseLine(std::string_view line)
 
 std::vector<DiskStatsLine> parseDiskStats(std::string_view text)
 {
-    std::vector<DiskStatsLine> list;
-    Scan lines(text);
-    while (const auto line = lines.line()) {
-        if (const auto parsed = parseLine(*line))
-            list.push_back(*parsed);
-    }
-    return list;
+    return parseEachLine<DiskStatsLine>(text, parseLine);
 }
 
 } // namespace pulsebar

@@ -30,13 +30,7 @@ std::optional<NetDevLine> parseLine(std::string_view line)
 
 std::vector<NetDevLine> parseNetDev(std::string_view text)
 {
-    std::vector<NetDevLine> list;
-    Scan lines(text);
-    while (const auto line = lines.line()) {
-        if (const auto parsed = parseLine(*line))
-            list.push_back(*parsed);
-    }
-    return list;
+    return parseEachLine<NetDevLine>(text, parseLine);
 }
 
 } // namespace pulsebar
