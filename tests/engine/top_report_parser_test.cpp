@@ -139,6 +139,16 @@ TEST(TopReport, SystemAndIdleAreLookedForInTheWholeText)
     EXPECT_EQ(report.total, QStringLiteral("40.000000"));
 }
 
+TEST(TopReport, TheTotalIsADifferenceOfSinglePrecision)
+{
+    const auto total = [](const QByteArray &idle) {
+        return parseTopReport("CPU usage: 1% user, 1% sys, " + idle + "% idle\n", 1).total;
+    };
+    EXPECT_EQ(total("3.30"), QStringLiteral("96.699997"));
+    EXPECT_EQ(total("0.00"), QStringLiteral("100.000000"));
+    EXPECT_EQ(total("100.00"), QStringLiteral("0.000000"));
+}
+
 TEST(TopReport, ATextWithoutMarkersHasOnlyATotal)
 {
     const TopReport report = parseTopReport("nothing to see\n", 5);

@@ -122,8 +122,24 @@ TEST(ReportWriter, PrintsLongTimesInMinutes)
     auto report = sampleReport();
     report.rows[0].cpuTime = 36'000'990'000'000; // ten hours and 0.99 s
     EXPECT_TRUE(writer.write(report).ends_with("600:00.99\n"));
+    report.rows[0].cpuTime = std::uint64_t{45'252'330} * 1'000'000; // 12 hours, 34 minutes
+    EXPECT_TRUE(writer.write(report).ends_with("754:12.33\n"));
+    report.rows[0].cpuTime = std::uint64_t{1000} * 3600 * 1'000'000'000;
+    EXPECT_TRUE(writer.write(report).ends_with("60000:00.00\n"));
     report.rows[0].cpuTime = 0;
     EXPECT_TRUE(writer.write(report).ends_with("00:00.00\n"));
+}
+
+TEST(ReportWriter, PrintsHugeSizesInWholeMebibytes)
+{
+    ReportWriter writer(*parseColumnList("pid,rsize,vsize"), 1);
+    auto report = sampleReport();
+    report.rows[0].residentBytes = (std::uint64_t{3} << 40U) + 1;
+    report.rows[0].virtualBytes = std::uint64_t{20} << 40U; // what a sanitized program reserves
+    EXPECT_TRUE(writer.write(report).ends_with(" 3145728M 20971520M\n"));
+    report.rows[0].residentBytes = 0;
+    report.rows[0].virtualBytes = 4096;
+    EXPECT_TRUE(writer.write(report).ends_with(" 0K      4K\n"));
 }
 
 } // namespace
