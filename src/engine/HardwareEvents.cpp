@@ -49,7 +49,7 @@ void HardwareEvents::postWhere(const QVariantList &entries, int type,
                                const std::function<bool(const QVariantMap &)> &fires) const
 {
     // Whoever hears of an event may let the next sample begin, which takes up other entries.
-    const QVariantList held = entries;
+    const QVariantList held = entries; // NOLINT(performance-unnecessary-copy-initialization)
     for (const QVariant &element : held) {
         const QVariantMap entry = element.toMap();
         if (intValueForKey(entry, QStringLiteral("type")) == type && fires(entry))
