@@ -101,13 +101,14 @@ TEST(SamplerProcess, ANewRunNeedNotWaitForThePauseOfTheOld)
 {
     const SamplerScript script(QStringLiteral("exec fake_sampler arguments \"$@\""));
     SampledRun run(script.command());
+    const auto restart = [&] { run.sampler.start({QString::number(run.samples.size())}, 1); };
     QObject::connect(&run.sampler, &SamplerProcess::sampleReady, &run.sampler, [&] {
         if (run.samples.size() < 20)
-            run.sampler.start({QString::number(run.samples.size())}, 1);
+            QTimer::singleShot(0, &run.sampler, restart);
     });
     QElapsedTimer clock;
     clock.start();
-    run.sampler.start({QStringLiteral("0")}, 1);
+    restart();
     ASSERT_TRUE(run.waitForSamples(20));
     EXPECT_EQ(run.samples[19], "19");
     EXPECT_LT(clock.elapsed(), 19 * 250);

@@ -41,6 +41,8 @@ TEST(NameForRow, BindsWordsThatReadAsNumbers)
     EXPECT_EQ(nameForRow("a 1 2.5 b"), "a\u00a01\u00a02.5 b");
     EXPECT_EQ(nameForRow("half 50% done"), "half\u00a050% done");
     EXPECT_EQ(nameForRow("Volume 2"), "Volume 2");
+    EXPECT_EQ(nameForRow("to inf.5 and NaN,"), "to\u00a0inf.5 and\u00a0NaN,");
+    EXPECT_EQ(nameForRow("info v2.5"), "info v2.5");
 }
 
 TEST(NameForRow, ShowsBlanksThatWouldGetLost)
@@ -48,6 +50,7 @@ TEST(NameForRow, ShowsBlanksThatWouldGetLost)
     EXPECT_EQ(nameForRow("   "), "\u2423\u2423\u2423");
     EXPECT_EQ(nameForRow(" a "), "\u2423a\u2423");
     EXPECT_EQ(nameForRow("a   b"), "a\u00a0\u00a0\u00a0b");
+    EXPECT_EQ(nameForRow("a \u3000b"), "a\u00a0\u3000b");
 }
 
 TEST(NameForRow, LetsNoControlCharacterThrough)
