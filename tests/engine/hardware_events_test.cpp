@@ -53,7 +53,7 @@ protected:
     }
     QVariantList m_fired;
     HardwareEvents m_events{[this](const QVariantMap &entry) { m_fired.append(entry); }};
-    const QVariantList m_nothing;
+    const QVariantList m_nothing = {};
 };
 
 TEST_F(HardwareEventsTest, ARisingBatteryDoesNotFireRightAfterStartButDoesLater)
