@@ -201,15 +201,16 @@ TEST_F(HardwareEventsTest, EntriesFireInTheirOrderUnchanged)
 
 TEST_F(HardwareEventsTest, AnObserverMayReplaceTheEntriesItIsToldAbout)
 {
-    QVariantList entries{rising(10, 10), rising(10, 20), rising(10, 30)};
-    const QVariantList told = entries;
+    const auto told = [] { return QVariantList{rising(10, 10), rising(10, 20), rising(10, 30)}; };
+    QVariantList entries = told(); // nobody else holds them
     QVariantList heard;
     HardwareEvents events([&](const QVariantMap &entry) {
         heard.append(entry);
-        entries = {rising(10, 99)};
+        for (QVariant &element : entries)
+            element = rising(10, 99);
     });
     events.checkCPU(entries, average(u"CPUUsageMinuteStats", 0.5));
-    EXPECT_EQ(heard, told);
+    EXPECT_EQ(heard, told());
 }
 
 TEST_F(HardwareEventsTest, AMissingThresholdIsZero)
