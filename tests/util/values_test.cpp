@@ -83,6 +83,7 @@ TEST(Values, NumbersAreCutTowardsZeroAndKeptInRange)
     EXPECT_EQ(longValueForKey(holder(), QStringLiteral("big")), std::numeric_limits<qint64>::max());
     EXPECT_EQ(doubleValueForKey(holder(), QStringLiteral("big")), 18446744073709551616.0);
     EXPECT_EQ(longValue(QVariant(1e300)), std::numeric_limits<qint64>::max());
+    EXPECT_EQ(longValue(QVariant(0x1p63)), std::numeric_limits<qint64>::max());
     EXPECT_EQ(longValue(QVariant(-1e300)), std::numeric_limits<qint64>::min());
     EXPECT_EQ(longValue(QVariant(std::nan(""))), 0);
     EXPECT_EQ(intValue(QVariant(qint64(1) << 40)), std::numeric_limits<int>::max());

@@ -84,6 +84,19 @@ TEST_F(RowDetailsTest, CountsWakeUpsSinceTheLastLook)
     EXPECT_DOUBLE_EQ(m_details.rowOf(process, 5 * second).wakeUpsPerSecond, 850.0);
 }
 
+TEST_F(RowDetailsTest, ThreadsThatEndedTakeNoWakeUpsBack)
+{
+    auto process = processNamed("bash");
+    writeStatus(100);
+    m_details.rowOf(process, second);
+    process.cpuTime = 20;
+    writeStatus(40);
+    EXPECT_DOUBLE_EQ(m_details.rowOf(process, 2 * second).wakeUpsPerSecond, 0.0);
+    process.cpuTime = 30;
+    writeStatus(45);
+    EXPECT_DOUBLE_EQ(m_details.rowOf(process, 3 * second).wakeUpsPerSecond, 5.0);
+}
+
 TEST_F(RowDetailsTest, KeepsFilesOpenOnlyWhileTheirRowIsShown)
 {
     auto process = processNamed("bash");

@@ -10,6 +10,7 @@ namespace {
 constexpr std::string_view passwd = "root:x:0:0:root:/root:/bin/bash\n"
                                     "broken line\n"
                                     ":x:5:5::/:\n"
+                                    ":x:7:7::/:\n"
                                     "short:x\n"
                                     "ten:x:10x:10::/:\n"
                                     "two words:x:1000:1000::/:\n"
