@@ -145,6 +145,9 @@ bool PidLister::listNew(const ListHint &hint, std::vector<pid_t> &pids)
     bool plausible = true;
     const bool done =
         readFrom(from + 1 + *m_offset, newListSpace, [&](pid_t pid, std::int64_t /*position*/) {
+            // After the numbers have wrapped around, old processes stand behind the new ones.
+            if (pid > *hint.lastPid)
+                return false;
             plausible = pid > from && (pids.empty() || pid > pids.back());
             pids.push_back(pid);
             return plausible;

@@ -78,6 +78,20 @@ TEST(LiveProcesses, ListsNewProcessesAsTheWholeListDoes)
     }
 }
 
+TEST(LiveProcesses, OldProcessesBehindTheNewOnesAreNotListedAgain)
+{
+    const auto listedUpTo = [](pid_t lastPid) {
+        LiveProcesses processes;
+        std::vector<pid_t> pids;
+        EXPECT_TRUE(processes.listAll({1, 1000}, pids));
+        pids.clear();
+        EXPECT_TRUE(processes.listNew({lastPid, 1001}, pids));
+        return pids;
+    };
+    EXPECT_TRUE(contains(listedUpTo(::getpid()), ::getpid()));
+    EXPECT_FALSE(contains(listedUpTo(::getpid() - 1), ::getpid()));
+}
+
 TEST(LiveProcesses, WantsTheWholeListWhenInDoubt)
 {
     LiveProcesses processes;
