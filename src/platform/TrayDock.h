@@ -49,6 +49,10 @@ public:
     /// The colour (0xRRGGBB) that the tray says its texts have; nothing when it does not say.
     virtual std::optional<std::uint32_t> foreground() const = 0;
 
+    /// The colour (0xRRGGBB) of the panel behind the docked window, on the average; nothing where
+    /// it cannot be seen. Asks the display, so for drawing only.
+    virtual std::optional<std::uint32_t> background() const = 0;
+
     /// Shows a picture: `size.width() * size.height()` premultiplied 0xAARRGGBB values, row by row.
     /// What is transparent lets the panel through. The picture is kept for redrawing.
     virtual void draw(QSize size, std::span<const std::uint32_t> pixels) = 0;

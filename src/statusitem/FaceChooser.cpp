@@ -30,9 +30,21 @@ bool drawsLabels(HostKind host)
     return host == HostKind::Gnome || host == HostKind::Mate || host == HostKind::AyatanaIndicators;
 }
 
+/// MATE draws the label in the icon's place, but a pixmap as wide as it is.
+bool drawsPictureInPixmapOnly(const Surroundings &around)
+{
+    return around.host == HostKind::Mate && around.hasPicture;
+}
+
 PixmapStyle pixmapStyleFor(const Surroundings &around)
 {
-    if (!around.hasTitle || around.how == TitleOnPanel::Icon || drawsLabels(around.host)) {
+    if (!around.hasTitle || around.how == TitleOnPanel::Icon) {
+        return PixmapStyle::Icon;
+    }
+    if (drawsPictureInPixmapOnly(around)) {
+        return PixmapStyle::WideOnly;
+    }
+    if (drawsLabels(around.host)) {
         return PixmapStyle::Icon;
     }
     const bool wide = around.host == HostKind::Waybar ||
@@ -52,6 +64,11 @@ HostKind hostKindOf(const QString &programName)
     return HostKind::Unknown;
 }
 
+bool keepsLabels(HostKind host)
+{
+    return host == HostKind::Mate;
+}
+
 Faces chooseFaces(const Surroundings &around)
 {
     Faces faces;
@@ -60,11 +77,12 @@ Faces chooseFaces(const Surroundings &around)
         return faces;
     }
     faces.pixmaps = pixmapStyleFor(around);
-    faces.label = around.hasTitle && around.how != TitleOnPanel::Icon;
+    const bool textShown = around.hasTitle && around.how != TitleOnPanel::Icon;
+    faces.label = textShown && !drawsPictureInPixmapOnly(around);
     faces.iconByName = around.host == HostKind::AyatanaIndicators;
     faces.notifier = around.host != HostKind::None;
     // Here no label is drawn and a pixmap is squeezed, but a docked window keeps its width.
-    const bool textOnlyInTray = around.host == HostKind::Xfce && faces.label;
+    const bool textOnlyInTray = around.host == HostKind::Xfce && textShown;
     faces.tray = around.tray && (!faces.notifier || textOnlyInTray);
     faces.strip = !faces.notifier && !faces.tray;
     return faces;

@@ -25,6 +25,7 @@ enum class PixmapStyle {
     Icon,      ///< squares with the image or the program's sign
     ShortText, ///< squares with the title's first number
     WideText,  ///< the same squares and the whole title beside them
+    WideOnly,  ///< the whole title, image included, and no squares
 };
 
 /// What is around the item.
@@ -37,6 +38,8 @@ struct Surroundings
     bool ownWindows = true;
     TitleOnPanel how = TitleOnPanel::Automatic;
     bool hasTitle = true;
+    /// An image stands beside the title.
+    bool hasPicture = false;
 };
 
 /// Which faces show the item, and how.
@@ -59,6 +62,10 @@ struct Faces
 
 /// The kind of host from the program name of the process that owns the watcher.
 HostKind hostKindOf(const QString &programName);
+
+/// Whether the host goes on showing a label that the item has given up, as long as it knows the
+/// item.
+bool keepsLabels(HostKind host);
 
 /// The faces for these surroundings. At least one is always chosen.
 Faces chooseFaces(const Surroundings &around);

@@ -14,6 +14,8 @@ struct ItemContent
     QString image;
     /// Width asked for, in device-independent pixels; 0 lets the text decide.
     double length = 0;
+    /// The text leaves room for an image even while there is none, for the next title may have one.
+    bool roomForImage = false;
 
     bool operator==(const ItemContent &other) const = default;
 };

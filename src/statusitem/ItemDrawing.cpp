@@ -50,9 +50,9 @@ void drawText(QPainter &painter, QPointF baseline, const QString &text, const In
     painter.drawText(baseline, text);
 }
 
-double imageWidth(const ItemContent &content, int height)
+double imageWidth(int height)
 {
-    return content.image.isEmpty() ? 0 : std::round(height * 0.75) + 2 * padding;
+    return std::round(height * 0.75) + 2 * padding;
 }
 
 QImage iconPicture(const QString &image, int extent)
@@ -126,8 +126,9 @@ int lineWidth(const ItemContent &content, int height, double scale)
     const auto widthOf = [&metrics](const QString &text) {
         return text.isEmpty() ? 0.0 : metrics.horizontalAdvance(text) + 3 * padding;
     };
+    const bool hasImage = content.roomForImage || !content.image.isEmpty();
     const double width = itemWidth(widthOf(content.title), widthOf(content.guide),
-                                   imageWidth(content, height), content.length * scale);
+                                   hasImage ? imageWidth(height) : 0, content.length * scale);
     return std::max(height, int(std::ceil(width)));
 }
 
@@ -142,7 +143,7 @@ QImage drawLine(const ItemContent &content, QSize size, double scale, const Ink 
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setFont(lineFont(size.height(), scale));
     const QFontMetricsF metrics(painter.font());
-    const double left = imageWidth(content, size.height());
+    const double left = content.image.isEmpty() ? 0 : imageWidth(size.height());
     if (left > 0) {
         drawCentred(painter, drawIcon(content, int(left - 2 * padding), ink),
                     QRectF(0, 0, left, size.height()));

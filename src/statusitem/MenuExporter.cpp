@@ -64,6 +64,14 @@ bool MenuExporter::registerOn(QDBusConnection connection, const QString &path)
     return connection.registerObject(path, this, QDBusConnection::ExportAdaptors);
 }
 
+void MenuExporter::menuReplaced()
+{
+    if (m_builds.revision() > 0 && m_openAt.isEmpty()) {
+        m_builds.add(m_source.build());
+        Q_EMIT LayoutUpdated(m_builds.revision(), 0);
+    }
+}
+
 QString MenuExporter::textDirection() const
 {
     return QGuiApplication::layoutDirection() == Qt::RightToLeft ? QStringLiteral("rtl")

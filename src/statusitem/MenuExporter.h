@@ -33,8 +33,11 @@ public:
     /// Asked at a click, for panels do not tell which keys were held.
     void setKeyboard(std::function<Qt::KeyboardModifiers()> modifiers);
 
-    /// Puts the menu on the bus, built, so that no panel reads an empty one.
+    /// Puts the menu on the bus, built, for some panels read it at once.
     bool registerOn(QDBusConnection connection, const QString &path);
+
+    /// The menu is another one altogether; panels that have read it are told, unless it is open.
+    void menuReplaced();
 
     /// The protocol's properties and methods.
     uint version() const { return 3; }

@@ -11,6 +11,8 @@ namespace {
 // The sizes panels ask for, at single and double density.
 constexpr std::array squares{22, 24, 32, 48};
 constexpr int lineHeight = 22;
+// A panel that scales the pixmap to its own height draws it sharp at the usual ones.
+constexpr std::array panelHeights{24, 28, 48};
 
 QImage drawSquare(const PixmapContent &content, int extent, const Ink &ink)
 {
@@ -18,9 +20,9 @@ QImage drawSquare(const PixmapContent &content, int extent, const Ink &ink)
                                                    : drawIcon(content.drawn, extent, ink);
 }
 
-QImage drawWide(const PixmapContent &content, int scale, const Ink &ink)
+QImage drawWide(const PixmapContent &content, int height, const Ink &ink)
 {
-    const int height = lineHeight * scale;
+    const int scale = height / lineHeight;
     return drawLine(content.drawn, {lineWidth(content.drawn, height, scale), height}, scale, ink);
 }
 
@@ -32,7 +34,7 @@ PixmapContent pixmapContentOf(const ItemContent &content, PixmapStyle style, boo
     result.drawn.image = content.image;
     if (style == PixmapStyle::ShortText) {
         result.drawn.title = shortTitle(content.title);
-    } else if (style == PixmapStyle::WideText) {
+    } else if (style == PixmapStyle::WideText || style == PixmapStyle::WideOnly) {
         result.drawn = content;
     }
     return result;
@@ -42,11 +44,17 @@ ItemPixmapList renderPixmaps(const PixmapContent &content)
 {
     const Ink ink = inkOnPanel(content.dark);
     ItemPixmapList pixmaps;
+    if (content.style == PixmapStyle::WideOnly) {
+        for (const int height : panelHeights) {
+            pixmaps.append(encoded(drawWide(content, height, ink)));
+        }
+        return pixmaps;
+    }
     if (content.style == PixmapStyle::WideText) {
         // One square for panels that insist; the text is what such a panel shows.
         pixmaps.append(encoded(drawIcon(content.drawn, squares.front(), ink)));
-        pixmaps.append(encoded(drawWide(content, 1, ink)));
-        pixmaps.append(encoded(drawWide(content, 2, ink)));
+        pixmaps.append(encoded(drawWide(content, lineHeight, ink)));
+        pixmaps.append(encoded(drawWide(content, 2 * lineHeight, ink)));
         return pixmaps;
     }
     for (const int extent : squares) {

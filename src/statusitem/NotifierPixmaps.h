@@ -19,7 +19,7 @@ struct PixmapContent
 
 PixmapContent pixmapContentOf(const ItemContent &content, PixmapStyle style, bool dark);
 
-/// The pixmaps, smallest first. Squares are always among them.
+/// The pixmaps, smallest first. Squares are among them unless the style leaves them out.
 ItemPixmapList renderPixmaps(const PixmapContent &content);
 
 } // namespace pulsebar

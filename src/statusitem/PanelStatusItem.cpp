@@ -2,6 +2,7 @@
 
 #include "statusitem/DesktopShade.h"
 #include "statusitem/FaceChooser.h"
+#include "statusitem/IconFile.h"
 #include "statusitem/ItemContent.h"
 #include "statusitem/MenuPopup.h"
 #include "statusitem/MenuSource.h"
@@ -11,8 +12,8 @@
 
 #include <QCursor>
 #include <QGuiApplication>
-#include <QIcon>
 #include <QLoggingCategory>
+#include <QTimer>
 
 #include <utility>
 
@@ -29,17 +30,6 @@ bool hasDarkPanel(HostKind host)
            host == HostKind::Lxqt;
 }
 
-/// A name that resolves, for a host that draws nothing else.
-QString iconNameFor(const QString &image)
-{
-    for (const QString &name : {image, PanelStatusItem::programImage()}) {
-        if (!name.isEmpty() && !name.startsWith(u'/') && QIcon::hasThemeIcon(name)) {
-            return name;
-        }
-    }
-    return QStringLiteral("utilities-system-monitor");
-}
-
 } // namespace
 
 class PanelStatusItem::Private : public QObject
@@ -48,6 +38,7 @@ public:
     explicit Private(PanelSurroundings given);
 
     void changeLater();
+    void setMenuDelegate(MenuDelegate *delegate);
     void openMenu();
 
     ItemContent content;
@@ -56,9 +47,11 @@ public:
 
 private:
     void showNow();
+    void notePicture();
     Faces facesNow() const;
     ItemContent shownContent() const;
     void showNotifier(const Faces &faces);
+    bool stripIsDue(const Faces &faces);
     void showStrip(bool shown);
 
     PanelSurroundings m_around;
@@ -67,7 +60,13 @@ private:
     TrayFace m_tray;
     std::unique_ptr<StripFace> m_strip;
     MenuPopup m_popup;
+    IconFile m_iconFile;
     bool m_changing = false;
+    /// The guide of the titles among which a picture was last looked for, and whether there is one.
+    QString m_picturedGuide;
+    bool m_pictured = false;
+    QTimer m_stripDelay;
+    bool m_servedByNobody = false;
 };
 
 PanelStatusItem::Private::Private(PanelSurroundings given)
@@ -76,6 +75,12 @@ PanelStatusItem::Private::Private(PanelSurroundings given)
     , m_tray(m_around.trayDock)
     , m_popup(source, m_around.menuView)
 {
+    m_stripDelay.setSingleShot(true);
+    m_stripDelay.setInterval(m_around.stripDelay);
+    connect(&m_stripDelay, &QTimer::timeout, this, [this] {
+        m_servedByNobody = true;
+        showNow();
+    });
     connect(&m_shade, &DesktopShade::changed, this, &Private::changeLater);
     connect(&m_notifier, &StatusNotifierFace::hostChanged, this, &Private::changeLater);
     connect(&m_notifier, &StatusNotifierFace::menuRequested, this,
@@ -93,6 +98,22 @@ void PanelStatusItem::Private::changeLater()
     }
 }
 
+void PanelStatusItem::Private::setMenuDelegate(MenuDelegate *delegate)
+{
+    source.setDelegate(delegate);
+    m_notifier.menuReplaced();
+}
+
+/// A rotation shows a picture now and then. How it is shown stays the same as long as the same
+/// titles are chosen, which is as long as their guide is the same.
+void PanelStatusItem::Private::notePicture()
+{
+    if (std::exchange(m_picturedGuide, content.guide) != content.guide) {
+        m_pictured = false;
+    }
+    m_pictured = m_pictured || (!content.title.isEmpty() && !content.image.isEmpty());
+}
+
 Faces PanelStatusItem::Private::facesNow() const
 {
     Surroundings around;
@@ -100,16 +121,19 @@ Faces PanelStatusItem::Private::facesNow() const
     around.tray = m_tray.trayAvailable();
     around.how = how;
     around.hasTitle = !content.title.isEmpty();
+    around.hasPicture = m_pictured;
     return chooseFaces(around);
 }
 
 ItemContent PanelStatusItem::Private::shownContent() const
 {
     ItemContent shown = content;
+    shown.roomForImage = m_pictured;
     if (how == TitleOnPanel::Icon) {
         shown.title.clear();
         shown.guide.clear();
         shown.length = 0;
+        shown.roomForImage = false;
     }
     return shown;
 }
@@ -117,9 +141,10 @@ ItemContent PanelStatusItem::Private::shownContent() const
 void PanelStatusItem::Private::showNow()
 {
     m_changing = false;
-    if (!source.hasDelegate() || !m_notifier.settled()) {
+    if (!m_notifier.settled()) {
         return;
     }
+    notePicture();
     const Faces faces = facesNow();
     if (faces.tray) {
         m_tray.show(shownContent(), m_shade.dark());
@@ -127,7 +152,22 @@ void PanelStatusItem::Private::showNow()
         m_tray.hide();
     }
     showNotifier(faces);
-    showStrip(faces.strip);
+    showStrip(stripIsDue(faces));
+}
+
+/// Wished for, or nothing else serves and has not served for a while.
+bool PanelStatusItem::Private::stripIsDue(const Faces &faces)
+{
+    if (!faces.strip || how == TitleOnPanel::Strip) {
+        m_stripDelay.stop();
+        m_servedByNobody = false;
+        return faces.strip;
+    }
+    const bool due = m_strip || m_servedByNobody;
+    if (!due && !m_stripDelay.isActive()) {
+        m_stripDelay.start();
+    }
+    return due;
 }
 
 void PanelStatusItem::Private::showNotifier(const Faces &faces)
@@ -140,9 +180,11 @@ void PanelStatusItem::Private::showNotifier(const Faces &faces)
         state.labelGuide = content.guide.isEmpty() ? content.title : content.guide;
     }
     if (faces.iconByName) {
-        state.iconName = iconNameFor(content.image);
+        state.iconName = m_iconFile.nameFor(content.image, dark);
     }
-    state.pixmaps = pixmapContentOf(content, faces.pixmaps, dark);
+    ItemContent pictured = content;
+    pictured.roomForImage = m_pictured;
+    state.pixmaps = pixmapContentOf(pictured, faces.pixmaps, dark);
     state.passive = faces.tray && m_tray.showsWholeTitle();
     m_notifier.setState(state);
     // Without a watcher the item stays on the bus for scripts and for a watcher to come.
@@ -250,8 +292,7 @@ void PanelStatusItem::setTitleOnPanel(TitleOnPanel how)
 
 void PanelStatusItem::setMenuDelegate(MenuDelegate *delegate)
 {
-    d->source.setDelegate(delegate);
-    d->changeLater();
+    d->setMenuDelegate(delegate);
 }
 
 bool PanelStatusItem::hasMenu() const

@@ -4,6 +4,7 @@
 
 #include <QPoint>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -34,13 +35,16 @@ struct PanelSurroundings
     StripPlace stripPlace;
     /// Makes the widget of a menu row that has a `view`; may be empty.
     std::function<QWidget *(const MenuItem &item, QWidget *parent)> menuView;
+    /// How long nothing may serve before the strip stands in: at login the panel starts beside the
+    /// program, and a panel that is started anew is back at once.
+    std::chrono::milliseconds stripDelay{2000};
 };
 
 /// The status item on a freedesktop desktop: a StatusNotifierItem where a watcher runs, else a
 /// docked window in the XEmbed tray, else the strip. Hosts are joined and left as they come and go.
 ///
-/// Changes are collected and shown at the end of the run loop's turn. The item is registered with
-/// the panel once it has a menu, so that no panel meets it without one.
+/// Changes are collected and shown at the end of the run loop's turn. Until a delegate is set the
+/// item is shown with a menu without rows.
 class PanelStatusItem : public StatusItem
 {
     Q_OBJECT

@@ -250,6 +250,19 @@ void StatusNotifierFace::setOffered(bool offered)
     }
 }
 
+void StatusNotifierFace::setState(const NotifierState &state)
+{
+    const bool labelGoes = m_item.state().label && !state.label;
+    if (labelGoes && m_registered && keepsLabels(host())) {
+        // Only an item that it does not know yet has no label there.
+        withdraw();
+        m_item.setState(state);
+        offer();
+        return;
+    }
+    m_item.setState(state);
+}
+
 void StatusNotifierFace::offer()
 {
     if (!m_bus.isConnected()) {

@@ -34,7 +34,9 @@ public:
 
     /// Offers the item to the watcher, or takes it back.
     void setOffered(bool offered);
-    void setState(const NotifierState &state) { m_item.setState(state); }
+    void setState(const NotifierState &state);
+    /// The menu is another one altogether, as when the first delegate has come.
+    void menuReplaced() { m_exporter.menuReplaced(); }
 
 Q_SIGNALS:
     /// `settled` or `host` changed.

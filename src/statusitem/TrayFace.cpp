@@ -96,7 +96,13 @@ void TrayFace::askForRoom()
 Ink TrayFace::ink() const
 {
     const auto said = m_dock->foreground();
-    return said ? Ink{QColor(QRgb(*said)), {}} : inkOnPanel(m_dark);
+    if (said) {
+        return {QColor(QRgb(*said)), {}};
+    }
+    // Panels of small window managers have colours of their own, whatever the desktop's windows
+    // are.
+    const auto behind = m_dock->background();
+    return inkOnPanel(behind ? qGray(QRgb(*behind)) < 128 : m_dark);
 }
 
 void TrayFace::draw()

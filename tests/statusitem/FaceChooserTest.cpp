@@ -42,6 +42,18 @@ TEST(FaceChooser, SendsALabelAndNoTextPixmapsWhereLabelsAreDrawn)
     }
 }
 
+TEST(FaceChooser, DrawsPictureAndTitleInOnePixmapForMate)
+{
+    Surroundings around = with(HostKind::Mate, true);
+    around.hasPicture = true;
+    const Faces faces = chooseFaces(around);
+    EXPECT_FALSE(faces.label);
+    EXPECT_EQ(faces.pixmaps, PixmapStyle::WideOnly);
+    EXPECT_FALSE(faces.tray);
+    around.host = HostKind::Gnome;
+    EXPECT_TRUE(chooseFaces(around).label) << "draws icon and label";
+}
+
 TEST(FaceChooser, SendsWidePixmapsToWaybarOnly)
 {
     EXPECT_EQ(chooseFaces(with(HostKind::Waybar)).pixmaps, PixmapStyle::WideText);

@@ -46,8 +46,10 @@ public:
     bool docked() const override { return !place.isEmpty(); }
     QRect geometry() const override { return place; }
     std::optional<std::uint32_t> foreground() const override { return std::nullopt; }
-    void draw(QSize size, std::span<const std::uint32_t>) override
+    std::optional<std::uint32_t> background() const override { return colour; }
+    void draw(QSize size, std::span<const std::uint32_t> pixels) override
     {
+        picture.assign(pixels.begin(), pixels.end());
         ++drawings;
         drawn = size;
     }
@@ -69,6 +71,8 @@ public:
     QSize wanted;
     QRect place;
     QSize drawn;
+    std::vector<std::uint32_t> picture;
+    std::optional<std::uint32_t> colour;
     int drawings = 0;
 
 private:
@@ -106,6 +110,7 @@ protected:
         around.trayDock = &tray;
         around.stripPlace.load = [this] { return storedPlace; };
         around.stripPlace.store = [this](QPoint place) { storedPlace = place; };
+        around.stripDelay = stripDelay;
         auto item = std::make_unique<PanelStatusItem>(around);
         item->setTitle(QStringLiteral("12.3%"));
         item->setTitleGuide(QStringLiteral("100.0%"));
@@ -157,6 +162,7 @@ protected:
     FakeTray tray;
     OneRow menu;
     std::optional<QPoint> storedPlace;
+    std::chrono::milliseconds stripDelay{0};
     Client panel;
     SignalLog changes{panel,
                       itemPath,
@@ -166,16 +172,78 @@ protected:
                        QStringLiteral("XAyatanaNewLabel")}};
 };
 
-TEST_F(PanelStatusItemTest, RegistersOnceItHasAMenu)
+TEST_F(PanelStatusItemTest, IsSeenBeforeItHasAMenuAndTellsWhenTheMenuComes)
 {
     FakeWatcher watcher;
+    const SignalLog layouts{panel,
+                            QStringLiteral("/MenuBar"),
+                            QStringLiteral("com.canonical.dbusmenu"),
+                            {QStringLiteral("LayoutUpdated")}};
     auto item = makeItem();
-    turn();
-    turn();
-    EXPECT_TRUE(watcher.items().isEmpty());
-    item->setMenuDelegate(&menu);
     ASSERT_TRUE(waitFor([&] { return !watcher.items().isEmpty(); }));
+    EXPECT_EQ(property("XAyatanaLabel"), QStringLiteral("12.3%"));
+    EXPECT_EQ(layouts.count(QStringLiteral("LayoutUpdated")), 0);
+    item->setMenuDelegate(&menu);
+    EXPECT_TRUE(waitFor([&] { return layouts.count(QStringLiteral("LayoutUpdated")) == 1; }));
     EXPECT_EQ(watcher.items(), QStringList{service()});
+}
+
+TEST_F(PanelStatusItemTest, LeavesTheStripOutWhileThePanelIsStillStarting)
+{
+    stripDelay = std::chrono::minutes(1);
+    auto item = makeItem();
+    item->setMenuDelegate(&menu);
+    turn();
+    EXPECT_EQ(visibleStrip(), nullptr);
+    item->setTitleOnPanel(TitleOnPanel::Strip);
+    EXPECT_TRUE(waitFor([] { return visibleStrip() != nullptr; })) << "wished for: at once";
+    item->setTitleOnPanel(TitleOnPanel::Automatic);
+    turn();
+    EXPECT_NE(visibleStrip(), nullptr) << "nothing else shows the title";
+    {
+        const FakeWatcher watcher;
+        ASSERT_TRUE(waitFor([] { return visibleStrip() == nullptr; }));
+    }
+    turn();
+    EXPECT_EQ(visibleStrip(), nullptr) << "a panel that is started anew comes back";
+}
+
+TEST_F(PanelStatusItemTest, ComesAnewToMateWhereALabelWouldStay)
+{
+    names.name = QStringLiteral("notification-area-applet");
+    FakeWatcher watcher;
+    auto item = shownItem(watcher);
+    item->setTitleOnPanel(TitleOnPanel::Icon);
+    ASSERT_TRUE(waitFor([&] { return watcher.items().size() == 2; }));
+    EXPECT_FALSE(allProperties().contains(QStringLiteral("XAyatanaLabel")));
+    EXPECT_EQ(changes.count(QStringLiteral("XAyatanaNewLabel")), 0) << "an empty label hides it";
+    item->setTitleOnPanel(TitleOnPanel::Text);
+    turn();
+    turn();
+    EXPECT_EQ(property("XAyatanaLabel"), QStringLiteral("12.3%"));
+    EXPECT_EQ(watcher.items().size(), 2) << "a label that comes is taken by the item it knows";
+}
+
+TEST_F(PanelStatusItemTest, ShowsMateThePictureBesideTheTitleInOneWidePixmap)
+{
+    names.name = QStringLiteral("notification-area-applet");
+    FakeWatcher watcher;
+    auto item = shownItem(watcher);
+    item->setImage(QStringLiteral("firefox"));
+    ASSERT_TRUE(waitFor([&] { return watcher.items().size() == 2; }));
+    EXPECT_FALSE(allProperties().contains(QStringLiteral("XAyatanaLabel")));
+    const auto pixmaps = qdbus_cast<ItemPixmapList>(property("IconPixmap"));
+    ASSERT_FALSE(pixmaps.isEmpty());
+    for (const ItemPixmap &pixmap : pixmaps) {
+        EXPECT_GT(pixmap.width, pixmap.height * 2);
+    }
+    item->setImage(QString());
+    turn();
+    EXPECT_FALSE(allProperties().contains(QStringLiteral("XAyatanaLabel")))
+        << "a rotation's next title is shown in the same way";
+    item->setTitleGuide(QStringLiteral("In 1023MB"));
+    turn();
+    EXPECT_EQ(property("XAyatanaLabel"), QStringLiteral("12.3%")) << "other titles were chosen";
 }
 
 TEST_F(PanelStatusItemTest, ShowsThePropertiesOfTheProtocol)
@@ -371,6 +439,39 @@ TEST_F(PanelStatusItemTest, DrawsInTheTrayOnlyWhatChanged)
     turn();
     EXPECT_EQ(tray.drawings, before + 1);
     EXPECT_EQ(tray.wanted, wanted) << "a shorter text does not move the neighbours";
+}
+
+TEST_F(PanelStatusItemTest, WritesOnTheTrayInInkThatStandsOut)
+{
+    tray.present = true;
+    auto item = makeItem();
+    ASSERT_TRUE(waitFor([&] { return !tray.wanted.isEmpty(); }));
+    const auto opaqueOf = [this](std::uint32_t background) {
+        tray.colour = background;
+        tray.give(tray.wanted);
+        return std::pair(std::count(tray.picture.begin(), tray.picture.end(), 0xFFFFFFFFU),
+                         std::count(tray.picture.begin(), tray.picture.end(), 0xFF202020U));
+    };
+    const auto [whiteOnDark, darkOnDark] = opaqueOf(0x101010);
+    EXPECT_GT(whiteOnDark, 0);
+    EXPECT_EQ(darkOnDark, 0);
+    EXPECT_GT(opaqueOf(0xF0F0F0).second, 0);
+}
+
+TEST_F(PanelStatusItemTest, KeepsTheWidthOfARotationThatShowsAPictureNowAndThen)
+{
+    tray.present = true;
+    auto item = makeItem();
+    item->setImage(QStringLiteral("firefox"));
+    ASSERT_TRUE(waitFor([&] { return !tray.wanted.isEmpty(); }));
+    const QSize withImage = tray.wanted;
+    item->setImage(QString());
+    item->setTitle(QStringLiteral("1.0%"));
+    turn();
+    EXPECT_EQ(tray.wanted, withImage);
+    item->setTitleGuide(QStringLiteral("99.0%"));
+    turn();
+    EXPECT_LT(tray.wanted.width(), withImage.width()) << "other titles were chosen";
 }
 
 TEST_F(PanelStatusItemTest, TellsAboutTitleAndLengthOnce)

@@ -2,9 +2,12 @@
 
 #include "platform/linux_/desktop/LinuxDesktop.h"
 
+#include <QAbstractEventDispatcher>
+
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <numeric>
 #include <string>
 #include <utility>
 
@@ -79,6 +82,9 @@ X11TrayDock::X11TrayDock(std::unique_ptr<X11Screen> screen)
                                                    QSocketNotifier::Read);
     QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
                      [this] { readEvents(); });
+    // Waiting for an answer reads events along with it, and then the socket has nothing to tell.
+    QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock,
+                     m_notifier.get(), [this] { handleQueued(); });
 }
 
 X11TrayDock::~X11TrayDock() = default;
@@ -225,21 +231,50 @@ void X11TrayDock::draw(QSize size, std::span<const std::uint32_t> pixels)
     present();
 }
 
-std::vector<std::uint32_t> X11TrayDock::overBackground() const
+/// What the panel shows through a window of its own depth; empty when the display does not tell.
+std::vector<std::uint32_t> X11TrayDock::pixelsBehind(QSize size) const
 {
     xcb_connection_t *connection = m_screen->connection();
     xcb_clear_area(connection, 0, m_window, 0, 0, 0, 0);
-    const auto width = std::uint16_t(m_pictureSize.width());
-    const auto height = std::uint16_t(m_pictureSize.height());
     const XcbReply<xcb_get_image_reply_t> below(xcb_get_image_reply(
         connection,
-        xcb_get_image(connection, XCB_IMAGE_FORMAT_Z_PIXMAP, m_window, 0, 0, width, height, ~0U),
+        xcb_get_image(connection, XCB_IMAGE_FORMAT_Z_PIXMAP, m_window, 0, 0,
+                      std::uint16_t(size.width()), std::uint16_t(size.height()), ~0U),
         nullptr));
-    std::vector<std::uint32_t> background(m_picture.size(), 0xFF000000);
-    const std::size_t bytes = background.size() * sizeof(std::uint32_t);
-    if (below && std::size_t(xcb_get_image_data_length(below.get())) >= bytes) {
-        std::memcpy(background.data(), xcb_get_image_data(below.get()), bytes);
+    std::vector<std::uint32_t> pixels(std::size_t(size.width()) * std::size_t(size.height()));
+    const std::size_t bytes = pixels.size() * sizeof(std::uint32_t);
+    if (!below || std::size_t(xcb_get_image_data_length(below.get())) < bytes) {
+        return {};
     }
+    std::memcpy(pixels.data(), xcb_get_image_data(below.get()), bytes);
+    return pixels;
+}
+
+std::optional<std::uint32_t> X11TrayDock::background() const
+{
+    // A window with an alpha channel is put over the panel later; it sees nothing.
+    if (!docked() || m_depth == 32) {
+        return std::nullopt;
+    }
+    const std::vector<std::uint32_t> pixels = pixelsBehind(m_size);
+    if (pixels.empty()) {
+        return std::nullopt;
+    }
+    std::uint32_t average = 0;
+    for (const int shift : {0, 8, 16}) {
+        const auto sum = std::accumulate(pixels.begin(), pixels.end(), std::uint64_t(0),
+                                         [shift](std::uint64_t before, std::uint32_t pixel) {
+                                             return before + ((pixel >> shift) & 0xFF);
+                                         });
+        average |= std::uint32_t(sum / pixels.size()) << shift;
+    }
+    return average;
+}
+
+std::vector<std::uint32_t> X11TrayDock::overBackground() const
+{
+    std::vector<std::uint32_t> background = pixelsBehind(m_pictureSize);
+    background.resize(m_picture.size(), 0xFF000000);
     std::transform(m_picture.begin(), m_picture.end(), background.begin(), background.begin(),
                    over);
     return background;
@@ -266,6 +301,15 @@ void X11TrayDock::readEvents()
     }
     if (xcb_connection_has_error(connection)) {
         m_notifier->setEnabled(false);
+    }
+}
+
+void X11TrayDock::handleQueued()
+{
+    xcb_connection_t *connection = m_screen->connection();
+    while (const auto event =
+               XcbReply<xcb_generic_event_t>(xcb_poll_for_queued_event(connection))) {
+        handle(*event);
     }
 }
 

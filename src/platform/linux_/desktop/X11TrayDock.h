@@ -26,6 +26,7 @@ public:
     bool docked() const override { return m_embedded && m_mapped; }
     QRect geometry() const override;
     std::optional<std::uint32_t> foreground() const override;
+    std::optional<std::uint32_t> background() const override;
     void draw(QSize size, std::span<const std::uint32_t> pixels) override;
 
 private:
@@ -36,6 +37,7 @@ private:
     };
 
     void readEvents();
+    void handleQueued();
     void handle(const xcb_generic_event_t &event);
     void handleClientMessage(const xcb_client_message_event_t &message);
     void handleReparent(const xcb_reparent_notify_event_t &event);
@@ -48,6 +50,7 @@ private:
     void createWindow(QSize size);
     void describeWindow(QSize size);
     void present() const;
+    std::vector<std::uint32_t> pixelsBehind(QSize size) const;
     std::vector<std::uint32_t> overBackground() const;
 
     std::unique_ptr<X11Screen> m_screen;
