@@ -495,6 +495,24 @@ public Q_SLOTS:
     Q_SCRIPTABLE void RegisterStatusNotifierItem(const QString &service) { items += service; }
 };
 
+TEST_F(ProgramTest, PanelShowsTheItemBeforeTheFirstSample)
+{
+    Watcher watcher;
+    ASSERT_TRUE(desktop.bus().registerObject(s("/StatusNotifierWatcher"), &watcher,
+                                             QDBusConnection::ExportScriptableSlots |
+                                                 QDBusConnection::ExportScriptableProperties));
+    ASSERT_TRUE(desktop.bus().registerService(s("org.kde.StatusNotifierWatcher")));
+    QFile sampler(desktop.folder() + s("/pulsebar-top"));
+    ASSERT_TRUE(sampler.open(QIODevice::WriteOnly));
+    sampler.write("#!/bin/sh\nexec sleep 60\n");
+    sampler.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    sampler.close();
+    desktop.environment().insert(s("PULSEBAR_LIBEXEC_DIR"), desktop.folder());
+    RunningProgram program(desktop);
+    ASSERT_TRUE(waitFor([&watcher] { return !watcher.items.isEmpty(); }));
+    EXPECT_EQ(program.title(), s("Usage"));
+}
+
 TEST_F(ProgramTest, PanelGetsTheTitle)
 {
     Watcher watcher;
@@ -517,8 +535,8 @@ TEST_F(ProgramTest, PanelGetsTheTitle)
             .toString();
     };
     EXPECT_EQ(itemProperty("Id"), s("pulsebar"));
-    EXPECT_EQ(itemProperty("XAyatanaLabelGuide"), s("100.0%"));
     EXPECT_TRUE(waitFor([&] { return itemProperty("XAyatanaLabel").endsWith(u'%'); }));
+    EXPECT_EQ(itemProperty("XAyatanaLabelGuide"), s("100.0%"));
     EXPECT_TRUE(waitFor([&] { return itemProperty("Title") == program.title(); }));
 }
 
