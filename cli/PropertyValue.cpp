@@ -77,7 +77,7 @@ QVariant wireValue(const QJsonValue &value)
         }
         return list;
     }
-    const QVariant plain = value.toVariant();
+    QVariant plain = value.toVariant();
     if (plain.typeId() != QMetaType::LongLong)
         return plain;
     const qlonglong number = plain.toLongLong();

@@ -22,8 +22,12 @@ Q_LOGGING_CATEGORY(logSampler, "pulsebar.sampler")
 using namespace std::chrono_literals;
 
 constexpr auto TerminateGrace = 1500ms;
-/// Reports are a second apart at the least; only a sampler gone wrong writes faster.
-constexpr auto ShortestPause = 250ms;
+/// Reports are a second apart at the least; only a sampler gone wrong writes all the time. What a
+/// sample cost to take then decides how long the next one waits, so that a tenth of a processor is
+/// the most that such a sampler can make us use.
+constexpr auto ShortestPause = 25ms;
+constexpr auto LongestPause = 1000ms;
+constexpr int PausePerCost = 9;
 constexpr int LongestIntervalSec = 24 * 60 * 60;
 
 /// Runs in the child between fork and exec: only what is safe there. Blocked signals are inherited,
@@ -118,17 +122,19 @@ void SamplerProcess::connectProcess()
 void SamplerProcess::onReadable()
 {
     const auto passed = std::chrono::milliseconds(m_sinceSample.isValid() ? m_sinceSample.elapsed()
-                                                                          : ShortestPause.count());
-    if (passed >= ShortestPause) {
+                                                                          : m_pause.count());
+    if (passed >= m_pause) {
         readSample();
         return;
     }
     m_notifier->setEnabled(false);
-    m_pauseTimer.start(ShortestPause - passed);
+    m_pauseTimer.start(m_pause - passed);
 }
 
 void SamplerProcess::readSample()
 {
+    QElapsedTimer cost;
+    cost.start();
     const SamplerPipe::Chunk chunk = m_pipe->readAvailable();
     const QPointer<QSocketNotifier> run = m_notifier;
     if (!chunk.bytes.isEmpty())
@@ -136,8 +142,11 @@ void SamplerProcess::readSample()
     // Whoever took the sample may have stopped or restarted the sampler.
     if (!run || run != m_notifier)
         return;
-    if (!chunk.bytes.isEmpty())
+    if (!chunk.bytes.isEmpty()) {
+        m_pause = std::clamp<std::chrono::milliseconds>(
+            std::chrono::milliseconds(cost.elapsed() * PausePerCost), ShortestPause, LongestPause);
         m_sinceSample.start();
+    }
     if (!chunk.ended)
         return;
     if (m_process)

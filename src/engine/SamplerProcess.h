@@ -8,6 +8,7 @@
 #include <QStringList>
 #include <QTimer>
 
+#include <chrono>
 #include <memory>
 
 class QSocketNotifier;
@@ -17,10 +18,11 @@ namespace pulsebar {
 class SamplerPipe;
 
 /// Runs the sampler and hands over what it writes: one completed read, however long, is one
-/// sample. Output that follows a sample too soon waits in the pipe for a moment, so that a sampler
-/// that never stops writing is read a few times a second and no more. A sampler that ends or cannot
-/// be started gives one empty sample at once and then one per interval; it is not started again on
-/// its own. One that only closes its output is of no more use and is asked to go.
+/// sample. Output that follows a sample at once waits in the pipe for a multiple of what that
+/// sample cost, so that a sampler that never stops writing takes a bounded share of our time. A
+/// sampler that ends or cannot be started gives one empty sample at once and then one per interval;
+/// it is not started again on its own. One that only closes its output is of no more use and is
+/// asked to go.
 class SamplerProcess : public QObject
 {
     Q_OBJECT
@@ -58,8 +60,9 @@ private:
     QStringList m_arguments;
     QTimer m_launchTimer;
     QTimer m_emptySampleTimer;
-    QTimer m_pauseTimer;         ///< runs while output waits in the pipe
-    QElapsedTimer m_sinceSample; ///< of this run; invalid before its first sample
+    QTimer m_pauseTimer;                  ///< runs while output waits in the pipe
+    QElapsedTimer m_sinceSample;          ///< of this run; invalid before its first sample
+    std::chrono::milliseconds m_pause{0}; ///< what has to pass since then
     bool m_active = false;
     QProcess *m_process = nullptr; ///< a child object, as those that are on their way out are
     std::unique_ptr<SamplerPipe> m_pipe;
