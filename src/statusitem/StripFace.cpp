@@ -149,9 +149,9 @@ void StripFace::paintEvent(QPaintEvent * /*event*/)
                            Ink{palette().color(QPalette::WindowText), {}});
     line.setDevicePixelRatio(scale);
     QPainter painter(this);
-    painter.fillRect(rect(), palette().window());
-    painter.setPen(palette().color(QPalette::Mid));
-    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    // Areas, not lines: a line's pixels fall unevenly at a scale factor.
+    painter.fillRect(rect(), palette().mid());
+    painter.fillRect(rect().adjusted(1, 1, -1, -1), palette().window());
     painter.drawImage(QPoint(0, 0), line);
 }
 
