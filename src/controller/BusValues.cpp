@@ -3,8 +3,9 @@
 #include "util/Values.h"
 
 #include <QDBusArgument>
+#include <QDBusObjectPath>
+#include <QDBusSignature>
 #include <QDBusVariant>
-#include <QStringList>
 
 #include <limits>
 
@@ -34,45 +35,35 @@ bool isSmallInteger(int typeId)
     return typeId == QMetaType::Short || typeId == QMetaType::SChar || typeId == QMetaType::Char;
 }
 
-QVariant plainValue(const QVariant &wire, bool &understood);
-
-QVariantMap plainDictionary(const QVariantMap &wire, bool &understood)
+/// Whether the value has the type in which QtDBus delivers one that came over the bus and that
+/// fromValue() would widen or could not convert.
+bool isAsDelivered(const QVariant &value)
 {
-    QVariantMap dictionary;
-    for (auto it = wire.cbegin(); it != wire.cend(); ++it)
-        dictionary.insert(it.key(), plainValue(it.value(), understood));
-    return dictionary;
+    switch (value.typeId()) {
+    case QMetaType::QStringList:
+    case QMetaType::QByteArray:
+    case QMetaType::UChar:
+    case QMetaType::Short:
+    case QMetaType::UShort:
+        return true;
+    default:
+        return value.metaType() == QMetaType::fromType<QDBusArgument>() ||
+               value.metaType() == QMetaType::fromType<QDBusVariant>() ||
+               value.metaType() == QMetaType::fromType<QDBusObjectPath>() ||
+               value.metaType() == QMetaType::fromType<QDBusSignature>();
+    }
 }
 
-QVariantList plainArray(const QVariantList &wire, bool &understood)
+/// The dictionaries of the array, each converted; other elements are left out.
+QList<QVariantMap> eachDictionary(const QVariantList &array,
+                                  QVariantMap (*convert)(const QVariantMap &))
 {
-    QVariantList array;
-    for (const QVariant &item : wire)
-        array += plainValue(item, understood);
-    return array;
-}
-
-QVariant plainArgument(const QDBusArgument &argument, bool &understood)
-{
-    const QString signature = argument.currentSignature();
-    if (signature == QLatin1String("a{sv}"))
-        return plainDictionary(qdbus_cast<QVariantMap>(argument), understood);
-    if (signature == QLatin1String("av"))
-        return plainArray(qdbus_cast<QVariantList>(argument), understood);
-    understood = false;
-    return {};
-}
-
-QVariant plainValue(const QVariant &wire, bool &understood)
-{
-    if (wire.metaType() == QMetaType::fromType<QDBusArgument>())
-        return plainArgument(qvariant_cast<QDBusArgument>(wire), understood);
-    if (wire.metaType() == QMetaType::fromType<QDBusVariant>())
-        return plainValue(qvariant_cast<QDBusVariant>(wire).variant(), understood);
-    if (wire.typeId() == QMetaType::QStringList)
-        return QVariant(wire.toList());
-    const bool isBasic = wire.typeId() < QMetaType::FirstGuiType && fromValue(wire).isValid();
-    understood = understood && isBasic;
+    QList<QVariantMap> wire;
+    wire.reserve(array.size());
+    for (const QVariant &item : array) {
+        if (item.typeId() == QMetaType::QVariantMap)
+            wire += convert(item.toMap());
+    }
     return wire;
 }
 
@@ -129,13 +120,7 @@ QVariantMap fromDictionary(const QVariantMap &dictionary)
 
 QList<QVariantMap> fromDictionaries(const QVariantList &array)
 {
-    QList<QVariantMap> wire;
-    wire.reserve(array.size());
-    for (const QVariant &item : array) {
-        if (item.typeId() == QMetaType::QVariantMap)
-            wire += fromDictionary(item.toMap());
-    }
-    return wire;
+    return eachDictionary(array, fromDictionary);
 }
 
 QList<double> fromNumbers(const QVariantList &array)
@@ -158,12 +143,27 @@ std::optional<QVariantList> toDictionaries(const QVariant &wire)
 {
     if (!hasSignature(wire, "aa{sv}"))
         return std::nullopt;
-    bool understood = true;
     QVariantList array;
     const auto dictionaries = qdbus_cast<QList<QVariantMap>>(wire);
     for (const QVariantMap &dictionary : dictionaries)
-        array += plainDictionary(dictionary, understood);
-    return understood ? std::optional<QVariantList>(array) : std::nullopt;
+        array += dictionary;
+    return array;
+}
+
+QVariantMap toSender(const QVariantMap &dictionary)
+{
+    QVariantMap wire;
+    for (auto it = dictionary.cbegin(); it != dictionary.cend(); ++it) {
+        const QVariant value = isAsDelivered(it.value()) ? it.value() : fromValue(it.value());
+        if (value.isValid())
+            wire.insert(wireText(it.key()), value);
+    }
+    return wire;
+}
+
+QList<QVariantMap> toSenders(const QVariantList &array)
+{
+    return eachDictionary(array, toSender);
 }
 
 std::optional<int> toInteger(const QVariant &wire)

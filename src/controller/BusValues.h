@@ -22,9 +22,13 @@ QList<double> fromNumbers(const QVariantList &array);
 
 /// What came in as `ai`; absent for any other type.
 std::optional<QList<int>> toIntegers(const QVariant &wire);
-/// What came in as `aa{sv}`, with plain values inside; absent for any other type and for values
-/// that are neither basic types, `a{sv}`, `av` nor `as`.
+/// What came in as `aa{sv}`; absent for any other type. Basic values are plain; what the program
+/// has no type of its own for stays as the bus delivered it, so that it can be sent back unchanged.
 std::optional<QVariantList> toDictionaries(const QVariant &wire);
+/// The reverse: a dictionary of which every value that came from the bus keeps its wire type.
+QVariantMap toSender(const QVariantMap &dictionary);
+/// The same for an array of dictionaries, as `aa{sv}`; other elements are left out.
+QList<QVariantMap> toSenders(const QVariantList &array);
 /// A whole number of any width that fits; absent for any other type or value.
 std::optional<int> toInteger(const QVariant &wire);
 

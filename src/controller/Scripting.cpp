@@ -215,8 +215,7 @@ void Scripting::addControlProperties()
     m_object.addProperty(
         {kControl, QStringLiteral("observeArray"),
          [&controller]() -> BusResult {
-             return QVariant::fromValue(
-                 busvalues::fromDictionaries(controller.monitor().observeArray()));
+             return QVariant::fromValue(busvalues::toSenders(controller.monitor().observeArray()));
          },
          [&controller](const QVariant &value) -> std::optional<BusError> {
              const std::optional<QVariantList> entries = busvalues::toDictionaries(value);
@@ -261,7 +260,7 @@ void Scripting::connectSignals()
     connect(&m_controller.monitor(), &TopMonitor::hardwareEvent, this,
             [this](const QVariantMap &entry) {
                 m_object.emitSignal(kControl, QStringLiteral("hardwareEvent"),
-                                    {busvalues::fromDictionary(entry)});
+                                    {busvalues::toSender(entry)});
             });
     connect(&m_controller.statusItem(), &StatusItem::titleChanged, this,
             [this] { m_object.emitPropertyChanged(kControl, QStringLiteral("title")); });

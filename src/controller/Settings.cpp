@@ -28,9 +28,11 @@ template <typename Integer> std::optional<Integer> integerFrom(const QString &te
 std::optional<bool> booleanFrom(const QString &text)
 {
     const QString word = text.trimmed().toLower();
-    if (word == QLatin1String("true") || word == QLatin1String("yes"))
+    if (word == QLatin1String("true") || word == QLatin1String("yes") ||
+        word == QLatin1String("on"))
         return true;
-    if (word == QLatin1String("false") || word == QLatin1String("no"))
+    if (word == QLatin1String("false") || word == QLatin1String("no") ||
+        word == QLatin1String("off"))
         return false;
     const std::optional<int> number = integerFrom<int>(word);
     return number ? std::optional<bool>(*number != 0) : std::nullopt;

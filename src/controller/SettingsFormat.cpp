@@ -48,7 +48,7 @@ QString groupOfHeader(QByteArrayView line)
 {
     const QByteArrayView inside = line.sliced(1, line.size() - 2).trimmed();
     const QString name = textOf(inside);
-    return name == generalGroup() ? QString() : name;
+    return name.compare(generalGroup(), Qt::CaseInsensitive) == 0 ? QString() : name;
 }
 
 /// Whether a component of a key can stand in a line or a group header of its own.

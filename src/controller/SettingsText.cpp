@@ -38,6 +38,8 @@ private:
             m_keptLength = m_item.size();
         } else if (c == u',' && !m_quoted) {
             endItem();
+        } else if (c == u';' && !m_quoted) {
+            m_at = m_text.size();
         } else if (m_quoted || !m_item.isEmpty() || !c.isSpace()) {
             m_item += c;
             if (m_quoted)
@@ -96,6 +98,14 @@ private:
     qsizetype m_keptLength = 0;
     QStringList m_items;
 };
+
+/// Whether a person wrote a JSON object plainly: its first quote is not escaped, as QSettings' own
+/// would be, and stands inside the braces.
+bool isPlainObject(const QString &text)
+{
+    const qsizetype quote = text.indexOf(u'"');
+    return quote > 0 && text.startsWith(u'{') && text.endsWith(u'}') && text[quote - 1] != u'\\';
+}
 
 /// An escape with as many digits as it can have, so that no following letter is taken for one.
 void appendEscaped(QString &text, QChar c)
@@ -160,6 +170,8 @@ std::optional<QString> listText(const QVariantList &list)
 
 QVariant valueFromText(const QString &text)
 {
+    if (isPlainObject(text))
+        return text;
     const QStringList items = ValueReader(text).read();
     return items.size() == 1 ? QVariant(items.front()) : QVariant(items);
 }

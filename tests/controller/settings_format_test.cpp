@@ -43,6 +43,27 @@ TEST(SettingsFormat, ReadsKeysOfOtherGroupsWithIt)
               (QSettings::SettingsMap{{s("a"), s("1")}, {s("Other/b"), s("2")}}));
 }
 
+TEST(SettingsFormat, GeneralGroupInAnyCase)
+{
+    EXPECT_EQ(parse("[general]\na=1\n").values.value(s("a")), s("1"));
+    EXPECT_EQ(parse("[GENERAL]\na=1\n").values.value(s("a")), s("1"));
+}
+
+TEST(SettingsFormat, UnquotedSemicolonBeginsARemark)
+{
+    EXPECT_EQ(parsed("8 ; eight, or so"), s("8"));
+    EXPECT_EQ(parsed("1, 2;"), QVariant(QStringList{s("1"), s("2")}));
+    EXPECT_EQ(parsed("\"a;b\""), s("a;b"));
+}
+
+TEST(SettingsFormat, PlainJsonObjectIsOneText)
+{
+    const char *object = R"({"alpha": 0.5, "color": "#80FF0000", "list": [1, 2], "a\\b": ";"})";
+    EXPECT_EQ(parsed(object), s(object));
+    EXPECT_EQ(roundTrip(s(object)), s(object));
+    EXPECT_EQ(parsed("{\\\"alpha\\\":1}"), s("{\"alpha\":1}"));
+}
+
 TEST(SettingsFormat, LastOfTwoLinesOfOneKeyHolds)
 {
     EXPECT_EQ(parse("a=1\na=2\n").values.value(s("a")), s("2"));

@@ -60,6 +60,14 @@ TEST_F(SettingsTest, AbsentValuesAreTheDefaults)
     EXPECT_FALSE(settings.value(preferences::kTitleTypesToDisplay));
 }
 
+TEST_F(SettingsTest, BooleansAreWordsOfPeople)
+{
+    Settings settings = withText("showIcon=on\ncheckMemory=Yes\nsortByMemory=off\n");
+    EXPECT_TRUE(settings.value(preferences::kShowIcon));
+    EXPECT_TRUE(settings.value(preferences::kCheckMemory));
+    EXPECT_EQ(logged(settings, preferences::kSortByMemory), std::pair(false, 0));
+}
+
 TEST_F(SettingsTest, ReadsEachType)
 {
     Settings settings = withText(

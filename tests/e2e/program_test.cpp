@@ -131,8 +131,15 @@ TEST_F(ProgramTest, EventsFireWithTheirEntry)
     TickingMachine machine(desktop.useMachine(s("vm")));
     desktop.writeSettings("[General]\nrefreshSec=1\n");
     RunningProgram program(desktop);
-    const QVariantMap entry{
-        {s("type"), 10}, {s("observeType"), 0}, {s("threshold"), 20.0}, {s("note"), s("mine")}};
+    const QVariantMap entry{{s("type"), 10},
+                            {s("observeType"), 0},
+                            {s("threshold"), 20.0},
+                            {s("note"), s("mine")},
+                            {s("words"), QStringList{s("a"), s("b")}},
+                            {s("bytes"), QByteArray("\x01\x02")},
+                            {s("small"), QVariant::fromValue(uchar(5))},
+                            {s("object"), QVariant::fromValue(QDBusObjectPath(s("/a/b")))},
+                            {s("signature"), QVariant::fromValue(QDBusSignature(s("a{sv}")))}};
     EXPECT_EQ(program.set(kControl, "observeArray", QVariant::fromValue(QList<QVariantMap>{entry})),
               QString());
     EXPECT_EQ(qdbus_cast<QList<QVariantMap>>(program.get(kControl, "observeArray").value),
