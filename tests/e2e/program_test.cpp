@@ -33,6 +33,23 @@ QStringList lines(const QString &log)
     return log.split(u'\n', Qt::SkipEmptyParts);
 }
 
+const QString kNoSampler =
+    s("pulsebar.sampler: the sampler is missing; samples go on without processes");
+
+/// The lines of a log that nobody expects. On a platform that offers nothing the program says so,
+/// once for every setting with which it is tried.
+QStringList unexpectedLines(const QString &log, const QStringList &expected = {})
+{
+    QStringList left = lines(log);
+    for (const QString &line : expected)
+        left.removeOne(line);
+#ifndef PULSEBAR_HAS_SYSROOT
+    left.removeAll(kNoSampler);
+    left.removeAll(s("pulsebar.engine: the previous sample has no \"CPUUsage\""));
+#endif
+    return left;
+}
+
 class ProgramTest : public testing::Test
 {
 protected:
@@ -59,7 +76,7 @@ TEST_F(ProgramTest, ShowsALiveTitle)
         << program.title().toStdString();
     EXPECT_FALSE(program.get(kScripting, "processes").value.isNull());
     EXPECT_EQ(program.quit(), 0);
-    EXPECT_EQ(lines(program.process().log()), QStringList());
+    EXPECT_EQ(unexpectedLines(program.process().log()), QStringList());
 }
 
 #ifdef PULSEBAR_HAS_SYSROOT
@@ -261,7 +278,9 @@ TEST_F(ProgramTest, SamplesGoOnWithoutASampler)
     EXPECT_TRUE(
         qdbus_cast<QList<QVariantMap>>(program.get(kScripting, "processes").value).isEmpty());
     EXPECT_EQ(program.quit(), 0);
-    EXPECT_EQ(lines(program.process().log()).size(), 1) << program.process().log().toStdString();
+    const QString log = program.process().log();
+    EXPECT_EQ(lines(log).count(kNoSampler), 1) << log.toStdString();
+    EXPECT_EQ(unexpectedLines(log, {kNoSampler}), QStringList());
 }
 
 TEST_F(ProgramTest, SavesAtQuit)
@@ -287,7 +306,7 @@ TEST_P(SignalTest, SavesAtASignal)
     program.process().signal(GetParam());
     EXPECT_EQ(program.process().waitForEnd(), 0);
     EXPECT_TRUE(desktop.settings().contains("\nrefreshSec=5\n")) << desktop.settings().constData();
-    EXPECT_EQ(lines(program.process().log()), QStringList());
+    EXPECT_EQ(unexpectedLines(program.process().log()), QStringList());
 }
 
 INSTANTIATE_TEST_SUITE_P(Program, SignalTest, testing::Values(SIGTERM, SIGINT, SIGHUP));
