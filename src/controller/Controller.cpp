@@ -232,49 +232,51 @@ Controller::Action Controller::actionNamed(const QString &name)
     return actions.value(name, nullptr);
 }
 
-void Controller::performAction(const MenuItem &item, Qt::KeyboardModifiers modifiers)
+void Controller::performAction(const Menu &menu, const MenuItem &item,
+                               Qt::KeyboardModifiers modifiers)
 {
     const Action action = actionNamed(item.action);
     if (action != nullptr)
-        (this->*action)(item, modifiers);
+        (this->*action)({menu, item, modifiers});
 }
 
-void Controller::switchCheckMemory(const MenuItem & /*item*/, Qt::KeyboardModifiers /*modifiers*/)
+void Controller::switchCheckMemory(const Choice & /*choice*/)
 {
     m_monitor.setCheckMemory(!m_monitor.checkMemory());
 }
 
-void Controller::switchSortByMemory(const MenuItem & /*item*/, Qt::KeyboardModifiers /*modifiers*/)
+void Controller::switchSortByMemory(const Choice & /*choice*/)
 {
     m_monitor.setSortByMemory(!m_monitor.sortByMemory());
 }
 
-void Controller::changeTitleToDisplayType(const MenuItem &item, Qt::KeyboardModifiers modifiers)
+void Controller::changeTitleToDisplayType(const Choice &choice)
 {
-    m_titles.changeTitleToDisplayType(item.tag, modifiers.testFlag(Qt::ControlModifier));
+    m_titles.changeTitleToDisplayType(choice.item.tag,
+                                      choice.modifiers.testFlag(Qt::ControlModifier));
 }
 
-void Controller::changeToggleTitleOption(const MenuItem &item, Qt::KeyboardModifiers /*modifiers*/)
+void Controller::changeToggleTitleOption(const Choice &choice)
 {
-    m_titles.changeToggleTitleOption(item.tag);
+    m_titles.changeToggleTitleOption(choice.item.tag);
 }
 
-void Controller::changeRefreshTime(const MenuItem &item, Qt::KeyboardModifiers /*modifiers*/)
+void Controller::changeRefreshTime(const Choice &choice)
 {
-    m_monitor.setRefreshSec(item.tag);
+    m_monitor.setRefreshSec(choice.item.tag);
 }
 
-void Controller::changeProcessListMax(const MenuItem &item, Qt::KeyboardModifiers /*modifiers*/)
+void Controller::changeProcessListMax(const Choice &choice)
 {
-    m_monitor.setListMax(item.tag);
+    m_monitor.setListMax(choice.item.tag);
 }
 
-void Controller::changeTitleOnPanel(const MenuItem &item, Qt::KeyboardModifiers /*modifiers*/)
+void Controller::changeTitleOnPanel(const Choice &choice)
 {
-    setTitleOnPanel(item.representedObject.toString());
+    setTitleOnPanel(choice.item.representedObject.toString());
 }
 
-void Controller::terminate(const MenuItem & /*item*/, Qt::KeyboardModifiers /*modifiers*/)
+void Controller::terminate(const Choice & /*choice*/)
 {
     quit();
 }

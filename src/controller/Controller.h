@@ -60,7 +60,8 @@ public:
     void quit();
 
     void menuNeedsUpdate(Menu &menu) override;
-    void performAction(const MenuItem &item, Qt::KeyboardModifiers modifiers) override;
+    void performAction(const Menu &menu, const MenuItem &item,
+                       Qt::KeyboardModifiers modifiers) override;
 
 Q_SIGNALS:
     /// A sample was published, and the status item shows it.
@@ -68,7 +69,14 @@ Q_SIGNALS:
     void itemWidthChanged(double width);
 
 private:
-    using Action = void (Controller::*)(const MenuItem &item, Qt::KeyboardModifiers modifiers);
+    /// What the user chose: a row, the menu that holds it and the keys held.
+    struct Choice
+    {
+        const Menu &menu;
+        const MenuItem &item;
+        Qt::KeyboardModifiers modifiers;
+    };
+    using Action = void (Controller::*)(const Choice &choice);
     static Action actionNamed(const QString &name);
 
     void loadPreference();
@@ -79,14 +87,14 @@ private:
     TitleMenuState titleMenuState() const;
     PreferenceMenuState preferenceMenuState() const;
 
-    void switchCheckMemory(const MenuItem &item, Qt::KeyboardModifiers modifiers);
-    void switchSortByMemory(const MenuItem &item, Qt::KeyboardModifiers modifiers);
-    void changeTitleToDisplayType(const MenuItem &item, Qt::KeyboardModifiers modifiers);
-    void changeToggleTitleOption(const MenuItem &item, Qt::KeyboardModifiers modifiers);
-    void changeRefreshTime(const MenuItem &item, Qt::KeyboardModifiers modifiers);
-    void changeProcessListMax(const MenuItem &item, Qt::KeyboardModifiers modifiers);
-    void changeTitleOnPanel(const MenuItem &item, Qt::KeyboardModifiers modifiers);
-    void terminate(const MenuItem &item, Qt::KeyboardModifiers modifiers);
+    void switchCheckMemory(const Choice &choice);
+    void switchSortByMemory(const Choice &choice);
+    void changeTitleToDisplayType(const Choice &choice);
+    void changeToggleTitleOption(const Choice &choice);
+    void changeRefreshTime(const Choice &choice);
+    void changeProcessListMax(const Choice &choice);
+    void changeTitleOnPanel(const Choice &choice);
+    void terminate(const Choice &choice);
 
     TopMonitor &m_monitor;
     StatusItem &m_statusItem;

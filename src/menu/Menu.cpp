@@ -1,5 +1,7 @@
 #include "menu/Menu.h"
 
+#include "platform/Processes.h"
+
 #include <algorithm>
 #include <iterator>
 #include <tuple>
@@ -14,6 +16,23 @@ auto plainParts(const MenuItem &item)
     return std::tie(item.title, item.action, item.target, item.tag, item.state, item.exclusive,
                     item.enabled, item.separator, item.indentation, item.image, item.view,
                     item.representedObject);
+}
+
+bool sameProcess(const std::shared_ptr<HeldProcess> &one, const std::shared_ptr<HeldProcess> &other)
+{
+    if (one == other) {
+        return true;
+    }
+    return one && other && one->pid() == other->pid() && one->startTime() == other->startTime();
+}
+
+bool sameSubstitute(const std::shared_ptr<const MenuItem> &one,
+                    const std::shared_ptr<const MenuItem> &other)
+{
+    if (one == other) {
+        return true;
+    }
+    return one && other && sameItem(*one, *other);
 }
 
 bool sameSubmenu(const std::shared_ptr<const Menu> &one, const std::shared_ptr<const Menu> &other)
@@ -41,7 +60,9 @@ QString MenuItem::shownTitle() const
 
 bool sameItem(const MenuItem &one, const MenuItem &other)
 {
-    return plainParts(one) == plainParts(other) && sameSubmenu(one.submenu, other.submenu);
+    return plainParts(one) == plainParts(other) && sameProcess(one.process, other.process) &&
+           sameSubstitute(one.substitute, other.substitute) &&
+           sameSubmenu(one.submenu, other.submenu);
 }
 
 bool sameMenu(const Menu &one, const Menu &other)

@@ -8,6 +8,7 @@
 
 namespace pulsebar {
 
+class HeldProcess;
 class Menu;
 
 /// What the check column of an item shows.
@@ -37,7 +38,12 @@ struct MenuItem
     QString view;
     /// Carried along for the action, never shown.
     QVariant representedObject;
+    /// The process that the row and its submenu are about, held from the moment the menu was built:
+    /// whoever gets the number later is not acted on. Null for all other rows.
+    std::shared_ptr<HeldProcess> process;
     std::shared_ptr<const Menu> submenu;
+    /// What stands for a row with a `view` where a panel draws the menu; null for other rows.
+    std::shared_ptr<const MenuItem> substitute;
 
     static MenuItem separatorItem();
 
@@ -83,9 +89,11 @@ public:
     virtual ~MenuDelegate() = default;
     /// Replaces the items of `menu` with those for this moment.
     virtual void menuNeedsUpdate(Menu &menu) = 0;
-    /// Carries out `item`'s action. `modifiers` are the keys held at the click
-    /// (none when the panel that drew the menu does not tell).
-    virtual void performAction(const MenuItem &item, Qt::KeyboardModifiers modifiers) = 0;
+    /// Carries out `item`'s action. `menu` is the menu that holds the item: its title says what the
+    /// item is about. `modifiers` are the keys held at the click (none when the panel that drew the
+    /// menu does not tell).
+    virtual void performAction(const Menu &menu, const MenuItem &item,
+                               Qt::KeyboardModifiers modifiers) = 0;
 };
 
 } // namespace pulsebar

@@ -175,14 +175,18 @@ bool MenuExporter::handleEvent(int id, const QString &eventId)
 
 void MenuExporter::click(int id)
 {
-    const MenuItem *item = m_builds.item(id);
+    const NumberedMenu *build = m_builds.buildOf(id);
+    const MenuItem *item = build ? build->item(id) : nullptr;
     if (!item) {
         return;
     }
     const Qt::KeyboardModifiers held = m_keyboard ? m_keyboard() : Qt::KeyboardModifiers();
     // After the answer: an action may ask the user something, and the panel would wait for us.
     QMetaObject::invokeMethod(
-        this, [this, chosen = *item, held] { m_source.perform(chosen, held); },
+        this,
+        [this, holder = *build->holder(id), chosen = *item, held] {
+            m_source.perform(holder, chosen, held);
+        },
         Qt::QueuedConnection);
 }
 

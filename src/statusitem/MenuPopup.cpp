@@ -49,7 +49,7 @@ bool addView(QMenu &menu, const MenuItem &item, const MenuViewFactory &viewFacto
 void addRows(QMenu &menu, const Menu &rows, const MenuChoice &choose,
              const MenuViewFactory &viewFactory);
 
-void addRow(QMenu &menu, const MenuItem &item, const MenuChoice &choose,
+void addRow(QMenu &menu, const Menu &rows, const MenuItem &item, const MenuChoice &choose,
             const MenuViewFactory &viewFactory)
 {
     if (item.separator) {
@@ -71,7 +71,8 @@ void addRow(QMenu &menu, const MenuItem &item, const MenuChoice &choose,
         addRows(*submenu, *item.submenu, choose, viewFactory);
         action->setMenu(submenu);
     } else {
-        QObject::connect(action, &QAction::triggered, action, [choose, item] { choose(item); });
+        QObject::connect(action, &QAction::triggered, action,
+                         [choose, rows, item] { choose(rows, item); });
     }
 }
 
@@ -80,7 +81,7 @@ void addRows(QMenu &menu, const Menu &rows, const MenuChoice &choose,
 {
     menu.setSeparatorsCollapsible(false);
     for (const MenuItem &item : rows.items()) {
-        addRow(menu, item, choose, viewFactory);
+        addRow(menu, rows, item, choose, viewFactory);
     }
 }
 
@@ -108,8 +109,8 @@ bool MenuPopup::build()
     if (m_menu && m_menu->isVisible()) {
         m_menu->hide();
     }
-    const auto choose = [this](const MenuItem &item) {
-        m_source.perform(item, QGuiApplication::keyboardModifiers());
+    const auto choose = [this](const Menu &menu, const MenuItem &item) {
+        m_source.perform(menu, item, QGuiApplication::keyboardModifiers());
     };
     // Later: the old menu may be in the middle of telling about a choice.
     if (QMenu *old = m_menu.release()) {

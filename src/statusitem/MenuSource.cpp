@@ -11,10 +11,11 @@ Menu MenuSource::build() const
     return menu;
 }
 
-void MenuSource::perform(const MenuItem &item, Qt::KeyboardModifiers modifiers) const
+void MenuSource::perform(const Menu &menu, const MenuItem &item,
+                         Qt::KeyboardModifiers modifiers) const
 {
     if (m_delegate && item.enabled && !item.separator && !item.action.isEmpty()) {
-        m_delegate->performAction(item, modifiers);
+        m_delegate->performAction(menu, item, modifiers);
     }
 }
 

@@ -13,8 +13,8 @@ public:
 
     /// The menu of this moment; without rows while nobody fills it.
     Menu build() const;
-    /// Does nothing for a row that cannot be chosen.
-    void perform(const MenuItem &item, Qt::KeyboardModifiers modifiers) const;
+    /// Does nothing for a row that cannot be chosen. `menu` holds the row.
+    void perform(const Menu &menu, const MenuItem &item, Qt::KeyboardModifiers modifiers) const;
 
 private:
     MenuDelegate *m_delegate = nullptr;

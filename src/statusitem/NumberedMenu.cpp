@@ -13,18 +13,18 @@ NumberedMenu::NumberedMenu(Menu menu, int firstId)
     : m_menu(std::move(menu))
     , m_firstId(firstId)
 {
-    m_top = append(m_menu);
+    m_top = append(m_menu, nullptr);
 }
 
-QVector<int> NumberedMenu::append(const Menu &menu)
+QVector<int> NumberedMenu::append(const Menu &menu, const std::shared_ptr<const Menu> &holder)
 {
     QVector<int> ids;
     for (const MenuItem &item : menu.items()) {
         const auto index = m_nodes.size();
         ids.append(endId());
-        m_nodes.append({item, {}});
+        m_nodes.append({item, holder, {}});
         if (item.submenu) {
-            QVector<int> below = append(*item.submenu);
+            QVector<int> below = append(*item.submenu, item.submenu);
             m_nodes[index].children = std::move(below);
         }
     }
@@ -42,6 +42,15 @@ const MenuItem *NumberedMenu::item(int id) const
         return nullptr;
     }
     return &m_nodes[id - m_firstId].item;
+}
+
+const Menu *NumberedMenu::holder(int id) const
+{
+    if (!item(id)) {
+        return nullptr;
+    }
+    const std::shared_ptr<const Menu> &holder = m_nodes[id - m_firstId].holder;
+    return holder ? holder.get() : &m_menu;
 }
 
 QVector<int> NumberedMenu::children(int id) const

@@ -22,6 +22,8 @@ public:
     bool contains(int id) const;
     /// The row of a number; nothing for the root and for numbers of other menus.
     const MenuItem *item(int id) const;
+    /// The menu that holds a row; nothing where item() answers nothing.
+    const Menu *holder(int id) const;
     /// The numbers below a row or the root, in order.
     QVector<int> children(int id) const;
 
@@ -29,10 +31,11 @@ private:
     struct Node
     {
         MenuItem item;
+        std::shared_ptr<const Menu> holder; ///< null for the rows of the root
         QVector<int> children;
     };
 
-    QVector<int> append(const Menu &menu);
+    QVector<int> append(const Menu &menu, const std::shared_ptr<const Menu> &holder);
 
     Menu m_menu;
     int m_firstId = 1;

@@ -55,7 +55,7 @@ protected:
         row.action = QString::fromLatin1(action);
         row.tag = tag;
         row.representedObject = represented;
-        controller->performAction(row, modifiers);
+        controller->performAction(Menu(), row, modifiers);
     }
 
     std::unique_ptr<Settings> settings;
@@ -208,7 +208,7 @@ TEST_F(ControllerTest, MenuIsBuiltFromTheMoment)
     EXPECT_EQ(menu.items()[0].title, QStringLiteral("Preference"));
     EXPECT_TRUE(menu.items()[1].separator);
     EXPECT_EQ(menu.items()[2].title, QStringLiteral("Quit"));
-    controller->performAction(menu.items()[2], Qt::NoModifier);
+    controller->performAction(menu, menu.items()[2], Qt::NoModifier);
     EXPECT_EQ(terminations, 1);
 }
 

@@ -33,8 +33,9 @@ public:
         off.enabled = false;
     }
 
-    void performAction(const MenuItem &item, Qt::KeyboardModifiers held) override
+    void performAction(const Menu &menu, const MenuItem &item, Qt::KeyboardModifiers held) override
     {
+        holder = menu.title();
         chosen.append(item.title);
         modifiers = held;
     }
@@ -42,6 +43,7 @@ public:
     int builds = 0;
     bool changing = true;
     QStringList chosen;
+    QString holder;
     Qt::KeyboardModifiers modifiers;
 };
 

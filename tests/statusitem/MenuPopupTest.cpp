@@ -53,15 +53,20 @@ TEST(RenderMenu, ShowsTheSameTree)
 
 TEST(RenderMenu, HandsTheChosenRowOver)
 {
-    Menu menu;
+    Menu menu(QStringLiteral("CPUTotalUsage"));
     MenuItem item = row("chosen");
     item.tag = 42;
     menu.addItem(item);
+    QString holder;
     int tag = 0;
-    const auto rendered =
-        renderMenu(menu, [&tag](const MenuItem &chosen) { tag = chosen.tag; }, {});
+    const auto choose = [&](const Menu &rows, const MenuItem &chosen) {
+        holder = rows.title();
+        tag = chosen.tag;
+    };
+    const auto rendered = renderMenu(menu, choose, {});
     rendered->actions().first()->trigger();
     EXPECT_EQ(tag, 42);
+    EXPECT_EQ(holder, QStringLiteral("CPUTotalUsage"));
 }
 
 TEST(RenderMenu, MarksOneOfSeveralAsARadio)

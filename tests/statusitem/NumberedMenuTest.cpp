@@ -30,6 +30,10 @@ TEST(NumberedMenu, NumbersRowsBeforeTheirSubmenus)
     EXPECT_EQ(numbered.item(14)->title, QStringLiteral("c2"));
     EXPECT_EQ(numbered.item(15)->title, QStringLiteral("d"));
     EXPECT_EQ(numbered.endId(), 16);
+    EXPECT_EQ(numbered.holder(15), &numbered.menu());
+    EXPECT_EQ(numbered.holder(13), withSubmenu.submenu.get());
+    EXPECT_EQ(numbered.holder(0), nullptr);
+    EXPECT_EQ(numbered.holder(16), nullptr);
     EXPECT_EQ(numbered.item(0), nullptr);
     EXPECT_EQ(numbered.item(9), nullptr);
     EXPECT_EQ(numbered.item(16), nullptr);

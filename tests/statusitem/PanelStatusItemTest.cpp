@@ -87,7 +87,7 @@ public:
         menu.removeAllItems();
         menu.addItemWithTitle(QStringLiteral("row"), ItemTarget::None, QStringLiteral("row"));
     }
-    void performAction(const MenuItem &, Qt::KeyboardModifiers) override {}
+    void performAction(const Menu &, const MenuItem &, Qt::KeyboardModifiers) override {}
 };
 
 StripFace *visibleStrip()

@@ -39,7 +39,8 @@ public:
                               QStringLiteral("terminate"));
     }
 
-    void performAction(const MenuItem &item, Qt::KeyboardModifiers modifiers) override
+    void performAction(const Menu & /*menu*/, const MenuItem &item,
+                       Qt::KeyboardModifiers modifiers) override
     {
         std::printf("chosen %s %x\n", qPrintable(item.title), unsigned(modifiers));
         std::fflush(stdout);
