@@ -1,3 +1,4 @@
+#include "e2e/Panel.h"
 #include "e2e/RunningProgram.h"
 
 #include <QDBusArgument>
@@ -506,28 +507,9 @@ TEST_F(ProgramTest, ClientFollowsTheSamples)
     EXPECT_TRUE(waybar->log().contains(s("pulsebar is not running")));
 }
 
-/// Stands for the panel's end of the status notifier protocol.
-class Watcher : public QObject
-{
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
-    Q_PROPERTY(bool IsStatusNotifierHostRegistered READ hasHost SCRIPTABLE true)
-
-public:
-    bool hasHost() const { return true; }
-    QStringList items;
-
-public Q_SLOTS:
-    Q_SCRIPTABLE void RegisterStatusNotifierItem(const QString &service) { items += service; }
-};
-
 TEST_F(ProgramTest, PanelShowsTheItemBeforeTheFirstSample)
 {
-    Watcher watcher;
-    ASSERT_TRUE(desktop.bus().registerObject(s("/StatusNotifierWatcher"), &watcher,
-                                             QDBusConnection::ExportScriptableSlots |
-                                                 QDBusConnection::ExportScriptableProperties));
-    ASSERT_TRUE(desktop.bus().registerService(s("org.kde.StatusNotifierWatcher")));
+    const Panel panel(desktop);
     QFile sampler(desktop.folder() + s("/pulsebar-top"));
     ASSERT_TRUE(sampler.open(QIODevice::WriteOnly));
     sampler.write("#!/bin/sh\nexec sleep 60\n");
@@ -535,25 +517,21 @@ TEST_F(ProgramTest, PanelShowsTheItemBeforeTheFirstSample)
     sampler.close();
     desktop.environment().insert(s("PULSEBAR_LIBEXEC_DIR"), desktop.folder());
     RunningProgram program(desktop);
-    ASSERT_TRUE(waitFor([&watcher] { return !watcher.items.isEmpty(); }));
+    ASSERT_TRUE(waitFor([&panel] { return !panel.items.isEmpty(); }));
     EXPECT_EQ(program.title(), s("Usage"));
 }
 
 TEST_F(ProgramTest, PanelGetsTheTitle)
 {
-    Watcher watcher;
-    ASSERT_TRUE(desktop.bus().registerObject(s("/StatusNotifierWatcher"), &watcher,
-                                             QDBusConnection::ExportScriptableSlots |
-                                                 QDBusConnection::ExportScriptableProperties));
-    ASSERT_TRUE(desktop.bus().registerService(s("org.kde.StatusNotifierWatcher")));
+    const Panel panel(desktop);
     desktop.writeSettings("[General]\nrefreshSec=1\n");
     RunningProgram program(desktop);
-    ASSERT_TRUE(waitFor([&watcher] { return !watcher.items.isEmpty(); }));
-    EXPECT_EQ(watcher.items.constFirst(),
+    ASSERT_TRUE(waitFor([&panel] { return !panel.items.isEmpty(); }));
+    EXPECT_EQ(panel.items.constFirst(),
               s("org.kde.StatusNotifierItem-%1-1").arg(program.process().pid()));
     const auto itemProperty = [&](const char *name) {
         QDBusMessage get =
-            QDBusMessage::createMethodCall(watcher.items.constFirst(), s("/StatusNotifierItem"),
+            QDBusMessage::createMethodCall(panel.items.constFirst(), s("/StatusNotifierItem"),
                                            s("org.freedesktop.DBus.Properties"), s("Get"));
         get.setArguments({s("org.kde.StatusNotifierItem"), s(name)});
         return qvariant_cast<QDBusVariant>(desktop.bus().call(get).arguments().value(0))
