@@ -1,9 +1,11 @@
 #include "controller/Controller.h"
 
+#include "controller/GraphWindows.h"
 #include "controller/Settings.h"
 #include "controller/TitleTexts.h"
 #include "engine/TopMonitor.h"
-#include "util/Localisation.h"
+#include "platform/Processes.h"
+#include "util/Text.h"
 
 #include <QHash>
 
@@ -46,6 +48,9 @@ Controller::Controller(const ControllerParts &parts)
     : m_monitor(parts.monitor)
     , m_statusItem(parts.statusItem)
     , m_settings(parts.settings)
+    , m_networkMonitor(parts.networkMonitor)
+    , m_graphWindows(parts.graphWindows)
+    , m_processes(parts.processes)
     , m_terminate(parts.terminate)
     , m_titles(parts.monitor, parts.statusItem, parts.programImage)
 {
@@ -142,6 +147,7 @@ void Controller::save()
 
 void Controller::update()
 {
+    m_listedAt = m_processes != nullptr ? m_processes->now() : 0;
     m_titles.update();
     if (!m_statusItem.hasMenu())
         m_statusItem.setMenuDelegate(this);
@@ -182,41 +188,6 @@ void Controller::quit()
     m_terminate();
 }
 
-TitleMenuState Controller::titleMenuState() const
-{
-    TitleMenuState state;
-    state.titleTypesToDisplay = m_titles.titleTypesToDisplay();
-    state.toggleTitleOptionArray = m_titles.toggleTitleOptionArray();
-    state.batteryEnabled = titles::batteryIsEnabled(m_monitor.topDict());
-    state.monitorTemperature = m_monitor.monitorTemperature();
-    state.monitorFanMove = m_monitor.monitorFanMove();
-    return state;
-}
-
-PreferenceMenuState Controller::preferenceMenuState() const
-{
-    PreferenceMenuState state;
-    state.checkMemory = m_monitor.checkMemory();
-    state.sortByMemory = m_monitor.sortByMemory();
-    state.titles = titleMenuState();
-    state.refreshSec = m_monitor.refreshSec();
-    state.listMax = m_monitor.listMax();
-    state.titleOnPanel = titleOnPanel();
-    return state;
-}
-
-void Controller::menuNeedsUpdate(Menu &menu)
-{
-    menu.removeAllItems();
-    menu.addItem(makePreferenceOptionsMenu(preferenceMenuState()));
-    menu.addItem(MenuItem::separatorItem());
-    MenuItem quitItem;
-    quitItem.title = localizedString(QStringLiteral("Quit"));
-    quitItem.action = QStringLiteral("terminate");
-    quitItem.target = ItemTarget::Application;
-    menu.addItem(std::move(quitItem));
-}
-
 Controller::Action Controller::actionNamed(const QString &name)
 {
     static const QHash<QString, Action> actions{
@@ -227,6 +198,9 @@ Controller::Action Controller::actionNamed(const QString &name)
         {QStringLiteral("changeRefreshTime"), &Controller::changeRefreshTime},
         {QStringLiteral("changeProcessListMax"), &Controller::changeProcessListMax},
         {QStringLiteral("changeTitleOnPanel"), &Controller::changeTitleOnPanel},
+        {QStringLiteral("showGraphView"), &Controller::showGraphView},
+        {QStringLiteral("switchGraphWindow"), &Controller::switchGraphWindow},
+        {QStringLiteral("dummy"), &Controller::dummy},
         {QStringLiteral("terminate"), &Controller::terminate},
     };
     return actions.value(name, nullptr);
@@ -274,6 +248,32 @@ void Controller::changeProcessListMax(const Choice &choice)
 void Controller::changeTitleOnPanel(const Choice &choice)
 {
     setTitleOnPanel(choice.item.representedObject.toString());
+}
+
+void Controller::showGraphView(const Choice &choice)
+{
+    showGraphViewForKey(choice.menu.title());
+}
+
+void Controller::switchGraphWindow(const Choice & /*choice*/)
+{
+    if (m_graphWindows != nullptr)
+        m_graphWindows->switchGraphWindow();
+}
+
+void Controller::dummy(const Choice &choice)
+{
+    const QString &title = choice.item.title;
+    if (!title.startsWith(QLatin1String("Core #")))
+        return;
+    if (const Text number = substringFromTo(title, QStringLiteral("#"), QStringLiteral(":")))
+        showGraphViewForKey(QStringLiteral("CPU") + *number);
+}
+
+void Controller::showGraphViewForKey(const QString &key)
+{
+    if (m_graphWindows != nullptr)
+        m_graphWindows->showGraphViewForKey(key);
 }
 
 void Controller::terminate(const Choice & /*choice*/)

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "controller/PreferenceMenu.h"
 #include "controller/Titles.h"
 #include "menu/Menu.h"
+#include "menu/PreferenceMenu.h"
 #include "statusitem/StatusItem.h"
 
 #include <QObject>
@@ -12,10 +12,13 @@
 
 namespace pulsebar {
 
+class GraphWindows;
+class NetworkMonitor;
+class Processes;
 class Settings;
 class TopMonitor;
 
-/// What the controller is made of. Everything must outlive it.
+/// What the controller is made of. Everything must outlive it; what is null is not there.
 struct ControllerParts
 {
     TopMonitor &monitor;
@@ -23,6 +26,9 @@ struct ControllerParts
     Settings &settings;
     QString programImage;            ///< stands for the program in icon mode
     std::function<void()> terminate; ///< ends the program; save() is called on the way
+    NetworkMonitor *networkMonitor = nullptr;
+    GraphWindows *graphWindows = nullptr;
+    Processes *processes = nullptr;
 };
 
 /// Ties the monitor, the status item and the settings together: starts them in order, shows every
@@ -94,11 +100,20 @@ private:
     void changeRefreshTime(const Choice &choice);
     void changeProcessListMax(const Choice &choice);
     void changeTitleOnPanel(const Choice &choice);
+    void showGraphView(const Choice &choice);
+    void switchGraphWindow(const Choice &choice);
+    void dummy(const Choice &choice);
     void terminate(const Choice &choice);
+
+    void showGraphViewForKey(const QString &key);
 
     TopMonitor &m_monitor;
     StatusItem &m_statusItem;
     Settings &m_settings;
+    NetworkMonitor *m_networkMonitor;
+    GraphWindows *m_graphWindows;
+    Processes *m_processes;
+    quint64 m_listedAt = 0; ///< when the newest sample was published, as Processes::now() tells
     std::function<void()> m_terminate;
     Titles m_titles;
     TitleOnPanel m_titleOnPanel = TitleOnPanel::Automatic;

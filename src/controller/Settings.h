@@ -30,6 +30,8 @@ inline constexpr Preference<bool> kShowIcon{"showIcon", false};
 inline constexpr Preference<bool> kCheckMemory{"checkMemory", false};
 inline constexpr Preference<bool> kSortByMemory{"sortByMemory", false};
 inline constexpr Preference<bool> kFahrenheit{"fahrenheit", false};
+/// Written when it is chosen, not with the others at the end.
+inline constexpr Preference<bool> kAutoLaunch{"autoLaunch", false};
 /// "automatic", "text", "icon" or "strip".
 inline constexpr OptionalPreference<QString> kTitleOnPanel{"titleOnPanel"};
 inline constexpr OptionalPreference<QVector<int>> kTitleTypesToDisplay{"titleTypesToDisplay"};

@@ -1,6 +1,6 @@
-#include "controller/TitleMenu.h"
+#include "menu/TitleMenu.h"
 
-#include "controller/TitleTexts.h"
+#include "menu/TitleTypes.h"
 #include "util/Localisation.h"
 
 namespace pulsebar {

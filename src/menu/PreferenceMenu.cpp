@@ -1,8 +1,11 @@
-#include "controller/PreferenceMenu.h"
+#include "menu/PreferenceMenu.h"
 
 #include "util/Localisation.h"
+#include "util/Values.h"
 
 #include <array>
+#include <cmath>
+#include <utility>
 
 namespace pulsebar {
 
@@ -32,7 +35,7 @@ MenuItem submenuItem(const QString &key, std::shared_ptr<Menu> submenu)
     return item;
 }
 
-MenuItem valueItem(const QString &title, const QString &action, int value, int current)
+MenuItem valueItem(const QString &title, const QString &action, int value, qint64 current)
 {
     MenuItem item = actionItem(title, action);
     item.tag = value;
@@ -45,6 +48,30 @@ QString secondsText(int seconds)
 {
     const QString unit = seconds == 1 ? QStringLiteral(" Second") : QStringLiteral(" Seconds");
     return localizedFormat(QStringLiteral("%d%@"), seconds, localizedString(unit));
+}
+
+/// The submenu of a list of counts. Its title is never shown; all value lists share one.
+std::shared_ptr<Menu> countMenu(int first, const QString &action, qint64 current)
+{
+    static constexpr int kLast = 20;
+    auto submenu = std::make_shared<Menu>(QStringLiteral("Refresh Time"));
+    for (int count = first; count <= kLast; ++count)
+        submenu->addItem(valueItem(QString::number(count), action, count, current));
+    return submenu;
+}
+
+/// The choice of widths that stands for the slider.
+MenuItem widthChoice(int current)
+{
+    static constexpr int kNarrowest = 30;
+    static constexpr int kWidest = 200;
+    static constexpr int kStep = 10;
+    const QString key = QStringLiteral("Width on menubar");
+    auto submenu = std::make_shared<Menu>(localizedString(key));
+    for (int width = kNarrowest; width <= kWidest; width += kStep)
+        submenu->addItem(
+            valueItem(QString::number(width), QStringLiteral("setItemWidth"), width, current));
+    return submenuItem(key, std::move(submenu));
 }
 
 struct PanelChoice
@@ -86,18 +113,49 @@ MenuItem makeRefreshTimeMenu(int refreshSec)
 
 MenuItem makeProcessListMaxMenu(int listMax)
 {
-    static constexpr int kLongest = 20;
-    // The submenu's title is never shown; all value lists share one.
-    auto submenu = std::make_shared<Menu>(QStringLiteral("Refresh Time"));
-    for (int count = 1; count <= kLongest; ++count)
-        submenu->addItem(valueItem(QString::number(count), QStringLiteral("changeProcessListMax"),
-                                   count, listMax));
-    return submenuItem(QStringLiteral("Max of List"), std::move(submenu));
+    return submenuItem(QStringLiteral("Max of List"),
+                       countMenu(1, QStringLiteral("changeProcessListMax"), listMax));
+}
+
+MenuItem makeNetworkListMaxMenu(qint64 networkMax)
+{
+    return submenuItem(QStringLiteral("Max of Network"),
+                       countMenu(0, QStringLiteral("changeNetworkListMax"), networkMax));
+}
+
+MenuItem makeShowIconMenu(bool showIcon)
+{
+    return checkItem(QStringLiteral("Show Icon"), QStringLiteral("switchShowIcon"), showIcon);
+}
+
+MenuItem makeFahrenheitMenu(bool fahrenheit)
+{
+    return checkItem(QStringLiteral("In Fahrenheit"), QStringLiteral("switchFahrenheit"),
+                     fahrenheit);
+}
+
+MenuItem makeLaunchAtStartupMenu(bool autoLaunch)
+{
+    return checkItem(QStringLiteral("Auto Launch When Mac Starts up"),
+                     QStringLiteral("switchAutoLaunch"), autoLaunch);
+}
+
+MenuItem makeItemWidthSliderMenu(double itemWidth)
+{
+    const int width = intValue(std::round(itemWidth));
+    // The view hides the title.
+    MenuItem item =
+        actionItem(localizedString(QStringLiteral("Show Icon")), QStringLiteral("dummy"));
+    item.tag = width;
+    item.view = QStringLiteral("widthSlider");
+    item.substitute = std::make_shared<const MenuItem>(widthChoice(width));
+    return item;
 }
 
 MenuItem makeTitleOnPanelMenu(const QString &titleOnPanel)
 {
-    auto submenu = std::make_shared<Menu>(QStringLiteral("Title on Panel"));
+    const QString key = QStringLiteral("Title on Panel");
+    auto submenu = std::make_shared<Menu>(key);
     for (const PanelChoice &choice : kPanelChoices) {
         const QString word = QString::fromLatin1(choice.word);
         MenuItem item = checkItem(QString::fromLatin1(choice.title),
@@ -106,7 +164,7 @@ MenuItem makeTitleOnPanelMenu(const QString &titleOnPanel)
         item.representedObject = word;
         submenu->addItem(std::move(item));
     }
-    return submenuItem(QStringLiteral("Title on Panel"), std::move(submenu));
+    return submenuItem(key, std::move(submenu));
 }
 
 MenuItem makePreferenceOptionsMenu(const PreferenceMenuState &state)
@@ -118,6 +176,15 @@ MenuItem makePreferenceOptionsMenu(const PreferenceMenuState &state)
     submenu->addItem(makeTitleOptionMenu(state.titles));
     submenu->addItem(makeRefreshTimeMenu(state.refreshSec));
     submenu->addItem(makeProcessListMaxMenu(state.listMax));
+    submenu->addItem(makeNetworkListMaxMenu(state.networkMax));
+    submenu->addItem(makeShowIconMenu(state.showIcon));
+    submenu->addItem(makeFahrenheitMenu(state.fahrenheit));
+    submenu->addItem(makeLaunchAtStartupMenu(state.autoLaunch));
+    submenu->addItem(MenuItem::separatorItem());
+    submenu->addItem(makeItemWidthSliderMenu(state.itemWidth));
+    submenu->addItem(MenuItem::separatorItem());
+    submenu->addItemWithTitle(localizedString(QStringLiteral("Show Manual")),
+                              ItemTarget::Application, QStringLiteral("showManual"));
     submenu->addItem(MenuItem::separatorItem());
     submenu->addItem(makeTitleOnPanelMenu(state.titleOnPanel));
     return submenuItem(key, std::move(submenu));

@@ -1,5 +1,6 @@
-#include "controller/PreferenceMenu.h"
-#include "controller/TitleMenu.h"
+#include "menu/PreferenceMenu.h"
+
+#include "menu/TitleMenu.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -83,7 +84,9 @@ TEST(PreferenceMenu, StandsInItsOrder)
     EXPECT_EQ(item.title, QStringLiteral("Preference"));
     EXPECT_THAT(titles(*item.submenu),
                 ElementsAre("Check Memory", "Sort by Memory", "Top Title", "Refresh Time",
-                            "Max of List", "-", "Title on Panel"));
+                            "Max of List", "Max of Network", "Show Icon", "In Fahrenheit",
+                            "Auto Launch When Mac Starts up", "-", "Show Icon", "-", "Show Manual",
+                            "-", "Title on Panel"));
 }
 
 TEST(PreferenceMenu, RefreshTimes)

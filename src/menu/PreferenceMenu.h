@@ -1,7 +1,7 @@
 #pragma once
 
-#include "controller/TitleMenu.h"
 #include "menu/Menu.h"
+#include "menu/TitleMenu.h"
 
 #include <QString>
 
@@ -15,7 +15,12 @@ struct PreferenceMenuState
     TitleMenuState titles;
     int refreshSec = 0;
     int listMax = 0;
-    QString titleOnPanel; ///< "automatic", "text", "icon" or "strip"
+    qint64 networkMax = 0;
+    bool showIcon = false;
+    bool fahrenheit = false;
+    bool autoLaunch = false;
+    double itemWidth = 0.0; ///< the status item's length, in points
+    QString titleOnPanel;   ///< "automatic", "text", "icon" or "strip"
 };
 
 /// The "Preference" item with its submenu.
@@ -27,6 +32,14 @@ MenuItem makeSortByMemoryMenu(bool sortByMemory);
 MenuItem makeRefreshTimeMenu(int refreshSec);
 /// 1 to 20 processes.
 MenuItem makeProcessListMaxMenu(int listMax);
+/// 0 to 20 processes; 0 switches the monitoring of their traffic off.
+MenuItem makeNetworkListMaxMenu(qint64 networkMax);
+MenuItem makeShowIconMenu(bool showIcon);
+MenuItem makeFahrenheitMenu(bool fahrenheit);
+MenuItem makeLaunchAtStartupMenu(bool autoLaunch);
+/// The row of the view "widthSlider", whose tag is the current width. Its substitute is a submenu
+/// of widths, 30 to 200 in steps of 10.
+MenuItem makeItemWidthSliderMenu(double itemWidth);
 /// How the title is shown in the panel.
 MenuItem makeTitleOnPanelMenu(const QString &titleOnPanel);
 
