@@ -1,5 +1,8 @@
 #pragma once
 
+#include "platform/AdministratorRights.h"
+#include "platform/ApplicationWindows.h"
+#include "platform/FileViewer.h"
 #include "platform/ProcessNames.h"
 #include "platform/TrayDock.h"
 #include "platform/WindowHints.h"
@@ -8,13 +11,17 @@
 
 namespace pulsebar {
 
-/// What the panel's item asks of the desktop beside the session bus. Each member may be null: then
-/// the item does without a tray, without workspaces, or without knowing its host.
+/// What the program asks of the desktop beside the session bus. Each member may be null: then the
+/// item does without a tray, without workspaces, or without knowing its host, and the actions that
+/// need windows, a file manager or an administrator do nothing.
 struct Desktop
 {
     std::unique_ptr<TrayDock> trayDock;
     std::unique_ptr<WindowHints> windowHints;
     std::unique_ptr<ProcessNames> processNames;
+    std::unique_ptr<ApplicationWindows> applicationWindows;
+    std::unique_ptr<FileViewer> fileViewer;
+    std::unique_ptr<AdministratorRights> administratorRights;
 };
 
 /// The desktop this process shows itself on; to be asked once, by a program that has a display.

@@ -2,7 +2,10 @@
 
 #include "platform/Counters.h"
 #include "platform/ProcessIcons.h"
+#include "platform/ProcessTable.h"
+#include "platform/Processes.h"
 #include "platform/SystemFacts.h"
+#include "platform/Workspace.h"
 
 #include <memory>
 
@@ -18,6 +21,9 @@ struct Platform
     std::unique_ptr<DiskCountersSource> diskCounters;
     std::unique_ptr<SystemFacts> systemFacts;
     std::unique_ptr<ProcessIcons> processIcons;
+    std::unique_ptr<Processes> processes;
+    std::unique_ptr<ProcessTable> processTable;
+    std::unique_ptr<Workspace> workspace;
 };
 
 /// The platform this build is for. Opens no file and no socket before something is asked.

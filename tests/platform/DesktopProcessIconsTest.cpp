@@ -40,10 +40,11 @@ protected:
         std::filesystem::remove(place);
         std::filesystem::create_symlink(executable, place);
     }
-    DesktopEntries entries()
+    std::shared_ptr<DesktopEntries> entries()
     {
-        return DesktopEntries({m_machine.path("home-apps"), m_machine.path("apps")},
-                              std::chrono::seconds(0));
+        return std::make_shared<DesktopEntries>(
+            std::vector<std::string>{m_machine.path("home-apps"), m_machine.path("apps")},
+            std::chrono::seconds(0));
     }
     QString iconOf(int pid)
     {

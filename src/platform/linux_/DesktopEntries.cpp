@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <dirent.h>
 #include <memory>
+#include <unordered_set>
 
 namespace pulsebar {
 
@@ -46,26 +47,41 @@ bool isFolder(const std::string &path)
     return ::stat(path.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode);
 }
 
-/// The word of a command that names the application: not what only starts it. Empty when no word
-/// does.
-std::string programOf(const std::vector<std::string> &command)
-{
-    if (command.empty())
-        return {};
-    const auto first = baseName(command[0]);
-    if (first == "flatpak" || first == "snap")
-        return {};
-    const bool starter = first == "pkexec" || first == "sudo" || isInterpreter(first);
-    if (!starter)
-        return command[0];
-    return command.size() > 1 && !command[1].starts_with('-') ? command[1] : std::string();
-}
-
 /// Which of two entries for one program is the application itself: one that is shown before one
 /// that is not, then the one with the plainer command line.
 bool isBetter(const DesktopEntries::Application &left, const DesktopEntries::Application &right)
 {
     return left.shown != right.shown ? left.shown : left.words < right.words;
+}
+
+std::optional<DesktopEntry> readEntryFile(const std::string &path,
+                                          const std::vector<std::string> &languages)
+{
+    constexpr std::size_t longest = 256U << 10U;
+    const auto text = readWholeFile(path, longest);
+    return text ? std::optional(parseDesktopEntry(*text, languages)) : std::nullopt;
+}
+
+/// What is met on a walk through a folder and those below it.
+struct Visitor
+{
+    std::function<void(const std::string &folder)> folder;
+    /// Also called for what a more important folder has; the identifier tells.
+    std::function<void(const std::string &path, const std::string &id)> entry;
+};
+
+void visitFolder(const std::string &folder, const std::string &idPrefix, int depth,
+                 const Visitor &visitor)
+{
+    visitor.folder(folder);
+    for (const auto &name : sortedEntries(folder)) {
+        std::string path = folder;
+        path.append("/").append(name);
+        if (name.ends_with(suffix))
+            visitor.entry(path, idPrefix + name.substr(0, name.size() - suffix.size()));
+        else if (depth < deepest && isFolder(path))
+            visitFolder(path, idPrefix + name + '-', depth + 1, visitor);
+    }
 }
 
 void appendFolders(std::vector<std::string> &folders, std::string_view list)
@@ -125,24 +141,16 @@ void DesktopEntries::refresh()
     m_readFolders.clear();
     m_byId.clear();
     m_byProgram.clear();
+    const Visitor visitor{
+        [this](const std::string &folder) {
+            m_readFolders.emplace_back(folder, changeTime(folder));
+        },
+        [this](const std::string &path, const std::string &id) { readEntry(path, id); }};
     for (const auto &folder : m_folders)
-        readFolder(folder, {}, 0);
+        visitFolder(folder, {}, 0, visitor);
     // Many processes are called as their application's entry is.
     for (const auto &[id, application] : m_byId)
         m_byProgram.emplace(id, application);
-}
-
-void DesktopEntries::readFolder(const std::string &folder, const std::string &idPrefix, int depth)
-{
-    m_readFolders.emplace_back(folder, changeTime(folder));
-    for (const auto &name : sortedEntries(folder)) {
-        std::string path = folder;
-        path.append("/").append(name);
-        if (name.ends_with(suffix))
-            readEntry(path, idPrefix + name.substr(0, name.size() - suffix.size()));
-        else if (depth < deepest && isFolder(path))
-            readFolder(path, idPrefix + name + '-', depth + 1);
-    }
 }
 
 void DesktopEntries::readEntry(const std::string &path, const std::string &id)
@@ -150,20 +158,53 @@ void DesktopEntries::readEntry(const std::string &path, const std::string &id)
     // A more important folder has said what this identifier is, be it that it is not there.
     if (m_byId.contains(id))
         return;
-    constexpr std::size_t longest = 256U << 10U;
-    const auto text = readWholeFile(path, longest);
-    if (!text)
+    const auto entry = readEntryFile(path, {});
+    if (!entry)
         return;
-    const DesktopEntry entry = parseDesktopEntry(*text);
-    const Application application{entry.removed ? std::string() : entry.icon, entry.shown,
-                                  entry.command.size()};
+    const Application application{entry->removed ? std::string() : entry->icon, entry->shown,
+                                  entry->command.size()};
     m_byId.emplace(id, application);
     if (application.icon.empty())
         return;
-    const std::string program = programOf(entry.command);
+    const std::string program = programOf(entry->command);
     indexProgram(program, application);
     indexProgram(std::string(baseName(program)), application);
-    indexProgram(entry.startupWmClass, application);
+    indexProgram(entry->startupWmClass, application);
+}
+
+std::string DesktopEntries::programOf(const std::vector<std::string> &command)
+{
+    if (command.empty())
+        return {};
+    const auto first = baseName(command[0]);
+    if (first == "flatpak" || first == "snap")
+        return {};
+    const bool starter = first == "pkexec" || first == "sudo" || isInterpreter(first);
+    if (!starter)
+        return command[0];
+    return command.size() > 1 && !command[1].starts_with('-') ? command[1] : std::string();
+}
+
+std::optional<DesktopEntry>
+DesktopEntries::find(const std::function<bool(const DesktopEntry &)> &matches,
+                     const std::vector<std::string> &languages) const
+{
+    std::optional<DesktopEntry> best;
+    std::unordered_set<std::string> seen;
+    const auto look = [&](const std::string &path, const std::string &id) {
+        if (!seen.insert(id).second)
+            return;
+        auto entry = readEntryFile(path, languages);
+        if (!entry || entry->removed || !matches(*entry))
+            return;
+        if (!best || isBetter({{}, entry->shown, entry->command.size()},
+                              {{}, best->shown, best->command.size()}))
+            best = std::move(entry);
+    };
+    const Visitor visitor{[](const std::string &) {}, look};
+    for (const auto &folder : m_folders)
+        visitFolder(folder, {}, 0, visitor);
+    return best;
 }
 
 void DesktopEntries::indexProgram(const std::string &name, const Application &application)

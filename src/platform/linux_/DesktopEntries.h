@@ -1,7 +1,11 @@
 #pragma once
 
+#include "platform/linux_/low/desktop_entry.h"
+
 #include <chrono>
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -9,8 +13,6 @@
 #include <vector>
 
 namespace pulsebar {
-
-struct DesktopEntry;
 
 /// The icons of the installed applications, by the names under which their processes are known.
 /// Read at the first question; read anew when a folder has changed, which is looked at no more
@@ -40,11 +42,20 @@ public:
     /// By a program's path or its last part, compared as it stands; nullptr when unknown.
     const Application *byProgram(const std::string &program);
 
+    /// Reads the files anew, for what is asked rarely and not worth keeping.
+    /// @param languages as parseDesktopEntry() has them
+    /// @return among the entries that `matches` accepts the one that is the application itself
+    std::optional<DesktopEntry> find(const std::function<bool(const DesktopEntry &entry)> &matches,
+                                     const std::vector<std::string> &languages = {}) const;
+
+    /// The word of an entry's command that names the application: not what only starts it. Empty
+    /// when no word does.
+    static std::string programOf(const std::vector<std::string> &command);
+
 private:
     using Index = std::unordered_map<std::string, Application>;
 
     void refresh();
-    void readFolder(const std::string &folder, const std::string &idPrefix, int depth);
     void readEntry(const std::string &path, const std::string &id);
     void indexProgram(const std::string &name, const Application &application);
     bool foldersChanged() const;

@@ -28,7 +28,7 @@ std::string_view withoutDeletedMark(std::string_view path)
 
 } // namespace
 
-DesktopProcessIcons::DesktopProcessIcons(Sysroot root, DesktopEntries entries,
+DesktopProcessIcons::DesktopProcessIcons(Sysroot root, std::shared_ptr<DesktopEntries> entries,
                                          std::size_t mostAnswers)
     : m_root(std::move(root))
     , m_entries(std::move(entries))
@@ -56,7 +56,7 @@ std::string DesktopProcessIcons::executable(int pid) const
 const DesktopEntries::Application *DesktopProcessIcons::applicationOf(int pid)
 {
     for (const auto &id : desktopIdsOfCgroup(file(pid, "cgroup"))) {
-        if (const auto *application = m_entries.byId(id))
+        if (const auto *application = m_entries->byId(id))
             return application;
     }
     auto programs = programsOfCommandLine(file(pid, "cmdline"));
@@ -64,7 +64,7 @@ const DesktopEntries::Application *DesktopProcessIcons::applicationOf(int pid)
     for (const auto &program : programs) {
         if (isInterpreter(baseName(program)))
             continue;
-        if (const auto *application = m_entries.byProgram(program))
+        if (const auto *application = m_entries->byProgram(program))
             return application;
     }
     return nullptr;

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <unordered_map>
 
@@ -24,7 +25,8 @@ class DesktopProcessIcons : public ProcessIcons
 {
 public:
     /// @param mostAnswers for how many processes answers are kept
-    DesktopProcessIcons(Sysroot root, DesktopEntries entries, std::size_t mostAnswers = 512);
+    DesktopProcessIcons(Sysroot root, std::shared_ptr<DesktopEntries> entries,
+                        std::size_t mostAnswers = 512);
     QString iconForPID(const QString &pid) override;
 
 private:
@@ -48,7 +50,7 @@ private:
     QString find(int pid, int parent);
 
     Sysroot m_root;
-    DesktopEntries m_entries;
+    std::shared_ptr<DesktopEntries> m_entries;
     std::size_t m_mostAnswers;
     std::unordered_map<int, Answer> m_answers;
 };

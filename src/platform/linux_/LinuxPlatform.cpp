@@ -1,7 +1,9 @@
 #include "platform/linux_/LinuxPlatform.h"
 
 #include "platform/linux_/DesktopProcessIcons.h"
+#include "platform/linux_/DesktopWorkspace.h"
 #include "platform/linux_/KernelFacts.h"
+#include "platform/linux_/LinuxProcesses.h"
 #include "platform/linux_/NetlinkInterfaces.h"
 #include "platform/linux_/ProcCoreTicks.h"
 #include "platform/linux_/SysBlockDisks.h"
@@ -15,8 +17,11 @@ std::unique_ptr<Platform> makeLinuxPlatform(const Sysroot &root)
     platform->interfaceCounters = std::make_unique<NetlinkInterfaces>();
     platform->diskCounters = std::make_unique<SysBlockDisks>(root);
     platform->systemFacts = std::make_unique<KernelFacts>(root);
-    platform->processIcons = std::make_unique<DesktopProcessIcons>(
-        root, DesktopEntries(DesktopEntries::standardFolders()));
+    const auto entries = std::make_shared<DesktopEntries>(DesktopEntries::standardFolders());
+    platform->processIcons = std::make_unique<DesktopProcessIcons>(root, entries);
+    platform->processes = std::make_unique<LinuxProcesses>(root);
+    platform->processTable = std::make_unique<LinuxProcessTable>();
+    platform->workspace = std::make_unique<DesktopWorkspace>(entries);
     return platform;
 }
 

@@ -38,6 +38,33 @@ public:
     QString iconForPID(const QString &) override { return {}; }
 };
 
+class NoProcesses : public Processes
+{
+public:
+    quint64 now() const override { return 0; }
+    std::shared_ptr<HeldProcess> hold(const QString &, quint64) override { return nullptr; }
+};
+
+class NoProcessTable : public ProcessTable
+{
+public:
+    std::optional<QStringList> shortNames() const override { return std::nullopt; }
+    std::shared_ptr<HeldProcess> parent(const HeldProcess &) override { return nullptr; }
+    QStringList programs(const HeldProcess &) const override { return {}; }
+};
+
+class NoWorkspace : public Workspace
+{
+public:
+    QString iconForFile(const QString &) override { return {}; }
+    QString displayName(const QString &path) override
+    {
+        return path.mid(path.lastIndexOf(u'/') + 1);
+    }
+    QString fullPathForApplication(const QString &) override { return {}; }
+    QStringList commandForProgram(const QString &) override { return {}; }
+};
+
 } // namespace
 
 std::unique_ptr<Platform> makeNonePlatform()
@@ -48,6 +75,9 @@ std::unique_ptr<Platform> makeNonePlatform()
     platform->diskCounters = std::make_unique<NoDiskCounters>();
     platform->systemFacts = std::make_unique<NoSystemFacts>();
     platform->processIcons = std::make_unique<NoProcessIcons>();
+    platform->processes = std::make_unique<NoProcesses>();
+    platform->processTable = std::make_unique<NoProcessTable>();
+    platform->workspace = std::make_unique<NoWorkspace>();
     return platform;
 }
 

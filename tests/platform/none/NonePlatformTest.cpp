@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 namespace pulsebar {
 namespace {
 
@@ -9,7 +11,8 @@ TEST(NonePlatform, EveryContractIsThereAndAnswersNothing)
 {
     const auto platform = makeNonePlatform();
     ASSERT_TRUE(platform->coreTicks && platform->interfaceCounters && platform->diskCounters &&
-                platform->systemFacts && platform->processIcons);
+                platform->systemFacts && platform->processIcons && platform->processes &&
+                platform->processTable && platform->workspace);
     EXPECT_FALSE(platform->coreTicks->readCoreTicks());
     EXPECT_FALSE(platform->interfaceCounters->readInterfaceCounters());
     EXPECT_FALSE(platform->diskCounters->readDiskCounters());
@@ -18,6 +21,12 @@ TEST(NonePlatform, EveryContractIsThereAndAnswersNothing)
         EXPECT_FALSE(platform->systemFacts->number(selector));
     }
     EXPECT_TRUE(platform->processIcons->iconForPID(QStringLiteral("1")).isEmpty());
+    EXPECT_FALSE(platform->processes->hold(QString::number(::getpid()), ~0ULL));
+    EXPECT_FALSE(platform->processTable->shortNames());
+    EXPECT_TRUE(platform->workspace->iconForFile(QStringLiteral("/bin/sh")).isEmpty());
+    EXPECT_TRUE(platform->workspace->fullPathForApplication(QStringLiteral("sh")).isEmpty());
+    EXPECT_TRUE(platform->workspace->commandForProgram(QStringLiteral("/bin/sh")).isEmpty());
+    EXPECT_EQ(platform->workspace->displayName(QStringLiteral("/bin/sh")), QStringLiteral("sh"));
 }
 
 TEST(NonePlatform, IsWhatABuildWithoutASystemGets)

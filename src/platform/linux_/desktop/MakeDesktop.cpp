@@ -5,7 +5,11 @@ namespace pulsebar {
 
 Desktop makeDesktop()
 {
-    return {makeTrayDock(), makeWindowHints(), makeProcessNames()};
+    Desktop desktop;
+    desktop.trayDock = makeTrayDock();
+    desktop.windowHints = makeWindowHints();
+    desktop.processNames = makeProcessNames();
+    return desktop;
 }
 
 } // namespace pulsebar

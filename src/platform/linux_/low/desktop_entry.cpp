@@ -95,7 +95,9 @@ std::vector<std::string> commandOf(const std::string &exec)
 
 void readKey(std::string_view key, std::string_view value, DesktopEntry &entry)
 {
-    if (key == "Icon")
+    if (key == "Name")
+        entry.name = unescaped(value);
+    else if (key == "Icon")
         entry.icon = unescaped(value);
     else if (key == "Exec")
         entry.command = commandOf(unescaped(value));
@@ -107,11 +109,23 @@ void readKey(std::string_view key, std::string_view value, DesktopEntry &entry)
         entry.removed = value == "true";
 }
 
+/// How good a translation of the name the key is: 0 is the best, the number of languages is none.
+std::size_t rankOfName(std::string_view key, const std::vector<std::string> &languages)
+{
+    constexpr std::string_view before = "Name[";
+    if (!key.starts_with(before) || !key.ends_with(']'))
+        return languages.size();
+    const auto language = key.substr(before.size(), key.size() - before.size() - 1);
+    const auto found = std::find(languages.begin(), languages.end(), language);
+    return static_cast<std::size_t>(found - languages.begin());
+}
+
 } // namespace
 
-DesktopEntry parseDesktopEntry(std::string_view text)
+DesktopEntry parseDesktopEntry(std::string_view text, const std::vector<std::string> &languages)
 {
     DesktopEntry entry;
+    std::size_t bestName = languages.size();
     bool inside = false;
     Scan scan(text);
     while (const auto line = scan.line()) {
@@ -123,9 +137,18 @@ DesktopEntry parseDesktopEntry(std::string_view text)
             continue;
         }
         const auto equals = line->find('=');
-        if (inside && equals != std::string_view::npos && !line->starts_with('#'))
-            readKey(trimmed(line->substr(0, equals)), trimmed(line->substr(equals + 1)), entry);
+        if (!inside || equals == std::string_view::npos || line->starts_with('#'))
+            continue;
+        const auto key = trimmed(line->substr(0, equals));
+        const auto value = trimmed(line->substr(equals + 1));
+        readKey(key, value, entry);
+        if (const auto rank = rankOfName(key, languages); rank < bestName) {
+            bestName = rank;
+            entry.localName = unescaped(value);
+        }
     }
+    if (entry.localName.empty())
+        entry.localName = entry.name;
     return entry;
 }
 

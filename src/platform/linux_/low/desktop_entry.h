@@ -13,6 +13,8 @@ struct DesktopEntry
     /// The words of Exec without quotes and field codes; a leading `env` and what it sets are
     /// left out, so that the first word is the program.
     std::vector<std::string> command;
+    std::string name;           ///< untranslated; empty without one
+    std::string localName;      ///< in the best of the languages asked for; else as `name`
     std::string icon;           ///< a themed icon's name or an absolute path; empty without one
     std::string startupWmClass; ///< what its windows call themselves; empty when not told
     bool shown = true;          ///< false for NoDisplay: not meant for menus
@@ -20,8 +22,10 @@ struct DesktopEntry
         false; ///< Hidden: as if the file, and those of its name after it, were not there
 };
 
-/// Parses the [Desktop Entry] group. Malformed lines, translations, actions and unknown keys are
-/// left out. What starts no program (a link, a folder) has no command.
-DesktopEntry parseDesktopEntry(std::string_view text);
+/// Parses the [Desktop Entry] group. Malformed lines, other translations, actions and unknown keys
+/// are left out. What starts no program (a link, a folder) has no command.
+/// @param languages the best first, as the keys have them, such as "pt_BR" and "pt"
+DesktopEntry parseDesktopEntry(std::string_view text,
+                               const std::vector<std::string> &languages = {});
 
 } // namespace pulsebar
