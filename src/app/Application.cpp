@@ -12,6 +12,8 @@
 #include "platform/Desktop.h"
 #include "platform/Platform.h"
 #include "statusitem/PanelStatusItem.h"
+#include "views/DetailWindow.h"
+#include "views/MenuViews.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -43,10 +45,12 @@ public:
         , m_settings(Settings::standardFileName())
         , m_statusItem(surroundings())
         , m_monitor(sources(), SamplerCommand{samplerPath})
-        , m_controller(
-              {m_monitor, m_statusItem, m_settings, PanelStatusItem::programImage(), endProgram})
+        , m_detailWindow([this] { return newestReport(); })
+        , m_controller(parts())
         , m_scripting(m_controller)
     {
+        QObject::connect(&m_controller, &Controller::sampleShown, &m_detailWindow,
+                         &DetailWindow::refresh);
     }
 
     Controller &controller() { return m_controller; }
@@ -63,6 +67,19 @@ private:
         return sources;
     }
 
+    ControllerParts parts()
+    {
+        ControllerParts parts{m_monitor, m_statusItem, m_settings, PanelStatusItem::programImage(),
+                              endProgram};
+        parts.showDetailWindow = [this] { m_detailWindow.show(); };
+        return parts;
+    }
+
+    QString newestReport() const
+    {
+        return m_monitor.topDict().value(QStringLiteral("topResult")).toString();
+    }
+
     PanelSurroundings surroundings()
     {
         PanelSurroundings surroundings;
@@ -73,6 +90,7 @@ private:
         surroundings.stripPlace.store = [this](QPoint place) {
             m_settings.setValue(preferences::kStripPlace, QVector<int>{place.x(), place.y()});
         };
+        surroundings.menuView = makeMenuView;
         return surroundings;
     }
 
@@ -95,6 +113,7 @@ private:
     Settings m_settings;
     PanelStatusItem m_statusItem;
     TopMonitor m_monitor;
+    DetailWindow m_detailWindow;
     Controller m_controller;
     Scripting m_scripting;
 };

@@ -52,6 +52,7 @@ Controller::Controller(const ControllerParts &parts)
     , m_graphWindows(parts.graphWindows)
     , m_processes(parts.processes)
     , m_terminate(parts.terminate)
+    , m_showDetailWindow(parts.showDetailWindow)
     , m_titles(parts.monitor, parts.statusItem, parts.programImage)
 {
     m_titles.setWidthListener(
@@ -201,6 +202,7 @@ Controller::Action Controller::actionNamed(const QString &name)
         {QStringLiteral("showGraphView"), &Controller::showGraphView},
         {QStringLiteral("switchGraphWindow"), &Controller::switchGraphWindow},
         {QStringLiteral("dummy"), &Controller::dummy},
+        {QStringLiteral("showDetailWindow"), &Controller::showDetailWindow},
         {QStringLiteral("terminate"), &Controller::terminate},
     };
     return actions.value(name, nullptr);
@@ -274,6 +276,12 @@ void Controller::showGraphViewForKey(const QString &key)
 {
     if (m_graphWindows != nullptr)
         m_graphWindows->showGraphViewForKey(key);
+}
+
+void Controller::showDetailWindow(const Choice & /*choice*/)
+{
+    if (m_showDetailWindow)
+        m_showDetailWindow();
 }
 
 void Controller::terminate(const Choice & /*choice*/)

@@ -29,6 +29,8 @@ struct ControllerParts
     NetworkMonitor *networkMonitor = nullptr;
     GraphWindows *graphWindows = nullptr;
     Processes *processes = nullptr;
+    /// Opens the window with the newest raw report; may be empty.
+    std::function<void()> showDetailWindow = {};
 };
 
 /// Ties the monitor, the status item and the settings together: starts them in order, shows every
@@ -103,6 +105,7 @@ private:
     void showGraphView(const Choice &choice);
     void switchGraphWindow(const Choice &choice);
     void dummy(const Choice &choice);
+    void showDetailWindow(const Choice &choice);
     void terminate(const Choice &choice);
 
     void showGraphViewForKey(const QString &key);
@@ -115,6 +118,7 @@ private:
     Processes *m_processes;
     quint64 m_listedAt = 0; ///< when the newest sample was published, as Processes::now() tells
     std::function<void()> m_terminate;
+    std::function<void()> m_showDetailWindow;
     Titles m_titles;
     TitleOnPanel m_titleOnPanel = TitleOnPanel::Automatic;
     bool m_showIcon = false;

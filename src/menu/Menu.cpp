@@ -43,6 +43,39 @@ bool sameSubmenu(const std::shared_ptr<const Menu> &one, const std::shared_ptr<c
     return one && other && sameMenu(*one, *other);
 }
 
+constexpr int kDeepestIndentation = 40;
+/// Longer than any title of the program's own, short enough for a panel to lay out and for most
+/// screens to hold.
+constexpr qsizetype kLongestShownTitle = 160;
+
+void cutToShown(QString &text)
+{
+    if (text.size() <= kLongestShownTitle) {
+        return;
+    }
+    const bool halfCharacter = text[kLongestShownTitle - 2].isHighSurrogate();
+    text.truncate(kLongestShownTitle - (halfCharacter ? 2 : 1));
+    text += u'\u2026';
+}
+
+QChar shownCharacter(QChar c)
+{
+    switch (c.unicode()) {
+    case u'\0':
+        return QChar::ReplacementCharacter;
+    case u'\n':
+    case u'\v':
+    case u'\f':
+    case u'\r':
+    case u'\u0085':
+    case u'\u2028':
+    case u'\u2029':
+        return u' ';
+    default:
+        return c;
+    }
+}
+
 } // namespace
 
 MenuItem MenuItem::separatorItem()
@@ -54,8 +87,10 @@ MenuItem MenuItem::separatorItem()
 
 QString MenuItem::shownTitle() const
 {
-    QString text = QString(std::max(indentation, 0), u' ') + title;
-    return text.replace(QChar(u'\0'), QChar(QChar::ReplacementCharacter));
+    QString text = QString(std::clamp(indentation, 0, kDeepestIndentation), u' ') + title;
+    cutToShown(text);
+    std::transform(text.cbegin(), text.cend(), text.begin(), shownCharacter);
+    return text;
 }
 
 bool sameItem(const MenuItem &one, const MenuItem &other)

@@ -47,8 +47,13 @@ struct MenuItem
 
     static MenuItem separatorItem();
 
-    /// The title as it is to be read: moved in by its indentation, every NUL replaced by U+FFFD.
+    /// The title as it is to be read, on one line: moved in by its indentation, every NUL replaced
+    /// by U+FFFD, every line break by a blank. Titles hold names that any program may give itself;
+    /// of an endless one the beginning is shown, and an ellipsis.
     QString shownTitle() const;
+
+    /// The row as it is drawn where its view cannot be.
+    const MenuItem &withoutView() const { return substitute ? *substitute : *this; }
 };
 
 /// Whether both show and do the same, rows and submenus alike.

@@ -61,6 +61,7 @@ bool MenuExporter::registerOn(QDBusConnection connection, const QString &path)
     m_showers.setWatchedServices({});
     m_showers.setConnection(connection);
     m_builds.add(m_source.build());
+    m_announced = m_builds.revision();
     return connection.registerObject(path, this, QDBusConnection::ExportAdaptors);
 }
 
@@ -68,6 +69,15 @@ void MenuExporter::menuReplaced()
 {
     if (m_builds.revision() > 0 && m_openAt.isEmpty()) {
         m_builds.add(m_source.build());
+        announceLayout();
+    }
+}
+
+/// Builds that a panel learned of by the answer to "AboutToShow" are made up for here: another
+/// panel may know none of them.
+void MenuExporter::announceLayout()
+{
+    if (std::exchange(m_announced, m_builds.revision()) != m_builds.revision()) {
         Q_EMIT LayoutUpdated(m_builds.revision(), 0);
     }
 }
@@ -235,7 +245,7 @@ QList<int> MenuExporter::AboutToShowGroup(const QList<int> &ids, QList<int> &idE
     }
     m_builds.add(m_source.build());
     if (!openElsewhere()) {
-        Q_EMIT LayoutUpdated(m_builds.revision(), 0);
+        announceLayout();
     }
     return {0};
 }

@@ -19,8 +19,10 @@ namespace pulsebar {
 ///
 /// Panels differ on when they read the menu again, and some close an open menu whose layout
 /// changes. So: asking about one menu ("AboutToShow") builds it and says so in the answer only;
-/// asking in a group builds it and signals "LayoutUpdated", which one client library needs. A
-/// submenu stands complete with its root and is never built by itself.
+/// asking in a group builds it and signals "LayoutUpdated", which one client library needs, unless
+/// nothing has changed since the last signal. A submenu stands complete with its root and is never
+/// built by itself. Between two openings nothing is built or sent: an open menu stays still, and so
+/// no row's properties change without a new layout ("ItemsPropertiesUpdated" is never due).
 class MenuExporter : public QObject, protected QDBusContext
 {
     Q_OBJECT
@@ -70,6 +72,7 @@ private:
     void click(int id);
     void setOpen(bool open);
     bool openElsewhere() const;
+    void announceLayout();
     QString caller() const;
     void refuse(int id);
     MenuLayoutNode layoutOf(const NumberedMenu &build, int id, int depth,
@@ -80,6 +83,8 @@ private:
     MenuIconProperties m_iconProperties;
     std::function<Qt::KeyboardModifiers()> m_keyboard;
     MenuBuilds m_builds;
+    /// The revision that panels were last told of, or could read when they met the menu.
+    quint32 m_announced = 0;
     QDBusServiceWatcher m_showers;
     QSet<QString> m_openAt;
 };

@@ -31,17 +31,28 @@ MenuIcons::MenuIcons()
 {
 }
 
-QVariantMap MenuIcons::properties(const QString &image)
+const QByteArray &MenuIcons::encoded(const QString &image)
 {
-    if (!image.startsWith(u'/')) {
-        return {{QStringLiteral("icon-name"), image}};
+    if (m_theme != QIcon::themeName()) {
+        m_theme = QIcon::themeName();
+        m_encoded.clear();
     }
     QByteArray *bytes = m_encoded.object(image);
     if (!bytes) {
         bytes = new QByteArray(png(image));
         m_encoded.insert(image, bytes);
     }
-    return bytes->isEmpty() ? QVariantMap() : QVariantMap{{QStringLiteral("icon-data"), *bytes}};
+    return *bytes;
+}
+
+QVariantMap MenuIcons::properties(const QString &image)
+{
+    const QByteArray &bytes = encoded(image);
+    if (!bytes.isEmpty()) {
+        return {{QStringLiteral("icon-data"), bytes}};
+    }
+    return image.startsWith(u'/') ? QVariantMap()
+                                  : QVariantMap{{QStringLiteral("icon-name"), image}};
 }
 
 } // namespace pulsebar

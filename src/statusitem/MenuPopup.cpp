@@ -3,7 +3,9 @@
 #include "statusitem/ItemDrawing.h"
 
 #include <QActionGroup>
+#include <QApplication>
 #include <QGuiApplication>
+#include <QProxyStyle>
 #include <QScreen>
 #include <QWidgetAction>
 
@@ -34,13 +36,55 @@ void setState(QAction &action, const MenuItem &item, QMenu &menu)
     action.setChecked(item.state != ItemState::Off);
 }
 
-bool addView(QMenu &menu, const MenuItem &item, const MenuViewFactory &viewFactory)
+/// The desktop's style, but for two habits of menus that do not fit this one.
+class PopupStyle : public QProxyStyle
 {
-    QWidget *view = viewFactory && !item.view.isEmpty() ? viewFactory(item, &menu) : nullptr;
+public:
+    PopupStyle()
+        : QProxyStyle(QApplication::style()->name())
+    {
+    }
+
+    int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
+                  QStyleHintReturn *result) const override
+    {
+        switch (hint) {
+        case SH_Menu_Scrollable:
+            // Rows that lie side by side in several columns are not read in their order.
+            return 1;
+        case SH_MenuBar_AltKeyNavigation:
+            // Alt is held to choose a row differently, not to leave the menu.
+            return 0;
+        default:
+            return QProxyStyle::styleHint(hint, option, widget, result);
+        }
+    }
+};
+
+QStyle *popupStyle()
+{
+    // A widget does not own its style, and menus of several openings may live at a time.
+    static QPointer<PopupStyle> style;
+    if (!style) {
+        style = new PopupStyle;
+        style->setParent(qApp);
+    }
+    return style;
+}
+
+bool addView(QMenu &menu, const Menu &rows, const MenuItem &item, const MenuChoice &choose,
+             const MenuViewFactory &viewFactory)
+{
+    if (!viewFactory || item.view.isEmpty()) {
+        return false;
+    }
+    const auto chosen = [choose, rows](const MenuItem &changed) { choose(rows, changed); };
+    QWidget *view = viewFactory(item, chosen, &menu);
     if (!view) {
         return false;
     }
     auto *action = new QWidgetAction(&menu);
+    action->setText(literalTitle(item.withoutView()));
     action->setDefaultWidget(view);
     menu.addAction(action);
     return true;
@@ -49,16 +93,17 @@ bool addView(QMenu &menu, const MenuItem &item, const MenuViewFactory &viewFacto
 void addRows(QMenu &menu, const Menu &rows, const MenuChoice &choose,
              const MenuViewFactory &viewFactory);
 
-void addRow(QMenu &menu, const Menu &rows, const MenuItem &item, const MenuChoice &choose,
+void addRow(QMenu &menu, const Menu &rows, const MenuItem &given, const MenuChoice &choose,
             const MenuViewFactory &viewFactory)
 {
-    if (item.separator) {
+    if (given.separator) {
         menu.addSeparator();
         return;
     }
-    if (addView(menu, item, viewFactory)) {
+    if (addView(menu, rows, given, choose, viewFactory)) {
         return;
     }
+    const MenuItem &item = given.withoutView();
     QAction *action = menu.addAction(literalTitle(item));
     action->setEnabled(item.enabled);
     if (!item.image.isEmpty()) {
@@ -79,6 +124,7 @@ void addRow(QMenu &menu, const Menu &rows, const MenuItem &item, const MenuChoic
 void addRows(QMenu &menu, const Menu &rows, const MenuChoice &choose,
              const MenuViewFactory &viewFactory)
 {
+    menu.setStyle(popupStyle());
     menu.setSeparatorsCollapsible(false);
     for (const MenuItem &item : rows.items()) {
         addRow(menu, rows, item, choose, viewFactory);

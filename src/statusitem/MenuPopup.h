@@ -1,6 +1,7 @@
 #pragma once
 
 #include "statusitem/MenuSource.h"
+#include "statusitem/MenuViewFactory.h"
 
 #include <QMenu>
 #include <QObject>
@@ -12,12 +13,11 @@
 
 namespace pulsebar {
 
-/// Makes the widget of a row with a `view`; nothing when there is none for it.
-using MenuViewFactory = std::function<QWidget *(const MenuItem &item, QWidget *parent)>;
 /// Told of the row that the user chose, and of the menu that holds it.
 using MenuChoice = std::function<void(const Menu &menu, const MenuItem &item)>;
 
 /// The same rows as an exported menu shows, in a menu window of our own. `_` and `&` are text.
+/// Where `viewFactory` makes no widget for a row with a view, the row's substitute is shown.
 std::unique_ptr<QMenu> renderMenu(const Menu &menu, const MenuChoice &choose,
                                   const MenuViewFactory &viewFactory);
 

@@ -19,7 +19,8 @@ NumberedMenu::NumberedMenu(Menu menu, int firstId)
 QVector<int> NumberedMenu::append(const Menu &menu, const std::shared_ptr<const Menu> &holder)
 {
     QVector<int> ids;
-    for (const MenuItem &item : menu.items()) {
+    for (const MenuItem &given : menu.items()) {
+        const MenuItem &item = given.withoutView();
         const auto index = m_nodes.size();
         ids.append(endId());
         m_nodes.append({item, holder, {}});

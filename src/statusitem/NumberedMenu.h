@@ -8,7 +8,8 @@
 
 namespace pulsebar {
 
-/// A menu whose rows have numbers, as a panel refers to them. The root is always number 0.
+/// A menu whose rows have numbers, as a panel refers to them. The root is always number 0. A panel
+/// shows no views: a row with a substitute is that substitute here.
 class NumberedMenu
 {
 public:
@@ -46,6 +47,9 @@ private:
 /// The newest build of a menu and the one before it. Between showing and choosing, a menu may be
 /// built anew: a number then still means the row that the user saw, and a number older than the
 /// previous build means nothing.
+///
+/// Rows may hold the processes that they are about, which costs a descriptor each. They are given
+/// up with their build, so that never more than two builds' worth are kept.
 class MenuBuilds
 {
 public:

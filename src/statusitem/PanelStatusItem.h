@@ -1,5 +1,6 @@
 #pragma once
 
+#include "statusitem/MenuViewFactory.h"
 #include "statusitem/StatusItem.h"
 
 #include <QPoint>
@@ -33,8 +34,8 @@ struct PanelSurroundings
     WindowHints *windowHints = nullptr;
     ProcessNames *processNames = nullptr;
     StripPlace stripPlace;
-    /// Makes the widget of a menu row that has a `view`; may be empty.
-    std::function<QWidget *(const MenuItem &item, QWidget *parent)> menuView;
+    /// May be empty: then a row's substitute stands for its view in the program's own menu as well.
+    MenuViewFactory menuView;
     /// How long nothing may serve before the strip stands in: at login the panel starts beside the
     /// program, and a panel that is started anew is back at once.
     std::chrono::milliseconds stripDelay{2000};

@@ -92,5 +92,44 @@ TEST(MenuItem, ShowsNoNul)
     EXPECT_EQ(item.shownTitle(), QStringLiteral("  a\uFFFDb"));
 }
 
+TEST(MenuItem, IsShownOnOneLine)
+{
+    MenuItem item;
+    item.title = QStringLiteral("a\nb\r\nc\u2028d\te");
+    EXPECT_EQ(item.shownTitle(), QStringLiteral("a b  c d\te"));
+}
+
+TEST(MenuItem, ShowsTheBeginningOfAnEndlessTitleAndKeepsItWhole)
+{
+    MenuItem item;
+    item.title = QStringLiteral("12.3% : ") + QString(4096, u'x');
+    EXPECT_LE(item.shownTitle().size(), 160);
+    EXPECT_TRUE(item.shownTitle().startsWith(QStringLiteral("12.3% : xxx")));
+    EXPECT_TRUE(item.shownTitle().endsWith(QStringLiteral("x…")));
+    EXPECT_EQ(item.title.size(), 4096 + 8);
+
+    item.title = QString(160, u'x');
+    EXPECT_EQ(item.shownTitle(), item.title) << "what just fits is not cut";
+    // Wherever the cut falls, it parts no character.
+    for (const int before : {157, 158, 159}) {
+        item.title = QString(before, u'x') + QStringLiteral("\U0001F525").repeated(4);
+        const QString shown = item.shownTitle();
+        EXPECT_EQ(QString::fromUtf8(shown.toUtf8()), shown);
+    }
+    item.title = QStringLiteral("x");
+    item.indentation = 1 << 30;
+    EXPECT_LE(item.shownTitle().size(), 160);
+}
+
+TEST(MenuItem, IsItselfWhereItHasNoView)
+{
+    MenuItem item;
+    EXPECT_EQ(&item.withoutView(), &item);
+    item.view = QStringLiteral("slider");
+    EXPECT_EQ(&item.withoutView(), &item);
+    item.substitute = std::make_shared<MenuItem>();
+    EXPECT_EQ(&item.withoutView(), item.substitute.get());
+}
+
 } // namespace
 } // namespace pulsebar

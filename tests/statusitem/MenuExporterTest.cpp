@@ -179,6 +179,27 @@ TEST_F(MenuExporterTest, BuildsAndSignalsForAGroup)
     EXPECT_EQ(labelOf(layout().children[0]), QStringLiteral("Build 2"));
 }
 
+TEST_F(MenuExporterTest, SignalsNothingForAGroupWhenNothingChanged)
+{
+    delegate.changing = false;
+    aboutToShowGroup(panel, {0});
+    ASSERT_TRUE(waitFor([this] { return changes.count(QStringLiteral("LayoutUpdated")) == 1; }));
+    aboutToShowGroup(panel, {0});
+    aboutToShowGroup(panel, {0});
+    settle({server.bus(), panel.bus()});
+    EXPECT_EQ(delegate.builds, 4);
+    EXPECT_EQ(changes.count(QStringLiteral("LayoutUpdated")), 1);
+}
+
+TEST_F(MenuExporterTest, SignalsForAGroupWhatAnotherPanelWasToldByTheAnswerOnly)
+{
+    delegate.changing = false;
+    call(panel, QStringLiteral("AboutToShow"), {0});
+    Client other;
+    aboutToShowGroup(other, {0});
+    EXPECT_TRUE(waitFor([this] { return changes.count(QStringLiteral("LayoutUpdated")) == 1; }));
+}
+
 TEST_F(MenuExporterTest, StaysStillWhileOpenElsewhere)
 {
     Client other;
@@ -209,6 +230,17 @@ TEST_F(MenuExporterTest, RefreshesForAPanelThatNeverSaidClosed)
     event(panel, 0, QStringLiteral("opened"));
     aboutToShowGroup(panel, {0});
     EXPECT_TRUE(waitFor([this] { return changes.count(QStringLiteral("LayoutUpdated")) == 1; }));
+}
+
+TEST_F(MenuExporterTest, GrowsItsRevisionWithEveryChange)
+{
+    uint before = 0;
+    for (int i = 0; i < 5; ++i) {
+        call(panel, QStringLiteral("AboutToShow"), {0});
+        layout();
+        EXPECT_GT(revision, before);
+        before = revision;
+    }
 }
 
 TEST_F(MenuExporterTest, KeepsNumbersAndRevisionWhileNothingChanges)

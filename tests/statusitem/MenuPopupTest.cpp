@@ -94,7 +94,8 @@ TEST(RenderMenu, ShowsViewsWhereTheyAreMade)
     menu.addItem(item);
     item.view = QStringLiteral("unknown");
     menu.addItem(item);
-    const MenuViewFactory factory = [](const MenuItem &of, QWidget *parent) -> QWidget * {
+    const MenuViewFactory factory = [](const MenuItem &of, const MenuItemChoice &,
+                                       QWidget *parent) -> QWidget * {
         return of.view == u"width" ? new QLabel(of.title, parent) : nullptr;
     };
     const auto rendered = renderMenu(menu, {}, factory);

@@ -2,6 +2,8 @@
 
 #include "statusitem/MenuIcons.h"
 
+#include <QDir>
+#include <QIcon>
 #include <QImage>
 #include <QTemporaryDir>
 
@@ -54,7 +56,7 @@ TEST(MenuRowProperties, TellsMarks)
     EXPECT_EQ(propertiesOf(item).value(QStringLiteral("toggle-state")), 0);
 }
 
-TEST(MenuRowProperties, TellsSubmenusAndThemedIcons)
+TEST(MenuRowProperties, TellsSubmenusAndIconsThatItCannotLoad)
 {
     MenuItem item;
     item.submenu = std::make_shared<Menu>();
@@ -78,6 +80,63 @@ TEST(MenuIcons, EncodesAFileOnce)
     EXPECT_TRUE(first.startsWith("\x89PNG"));
     ASSERT_TRUE(QFile::remove(path));
     EXPECT_EQ(icons.properties(path).value(QStringLiteral("icon-data")).toByteArray(), first);
+}
+
+/// An icon theme with one square icon of a name.
+class IconTheme
+{
+public:
+    explicit IconTheme(const QString &icon)
+        : m_icon(m_folder.filePath(QStringLiteral("sample/16/%1.png").arg(icon)))
+    {
+        QDir(m_folder.path()).mkpath(QStringLiteral("sample/16"));
+        QFile index(m_folder.filePath(QStringLiteral("sample/index.theme")));
+        EXPECT_TRUE(index.open(QFile::WriteOnly));
+        index.write("[Icon Theme]\nName=Sample\nDirectories=16\n\n[16]\nSize=16\n");
+        QImage image(16, 16, QImage::Format_ARGB32);
+        image.fill(Qt::green);
+        EXPECT_TRUE(image.save(m_icon));
+        QIcon::setThemeSearchPaths({m_folder.path()});
+        QIcon::setThemeName(QStringLiteral("sample"));
+    }
+    ~IconTheme()
+    {
+        QIcon::setThemeSearchPaths(m_paths);
+        QIcon::setThemeName(m_name);
+    }
+    bool remove() const { return QFile::remove(m_icon); }
+
+private:
+    QTemporaryDir m_folder;
+    QString m_icon;
+    QStringList m_paths = QIcon::themeSearchPaths();
+    QString m_name = QIcon::themeName();
+};
+
+TEST(MenuIcons, LoadsAThemedIconOnceHoweverManyRowsShowItHoweverOften)
+{
+    const QString name = QStringLiteral("sample-program");
+    const IconTheme theme(name);
+    MenuIcons icons;
+    const QByteArray first =
+        icons.properties(name).value(QStringLiteral("icon-data")).toByteArray();
+    ASSERT_TRUE(first.startsWith("\x89PNG"));
+    EXPECT_FALSE(icons.properties(name).contains(QStringLiteral("icon-name")));
+    ASSERT_TRUE(theme.remove());
+    for (int i = 0; i < 40; ++i) {
+        const QByteArray again =
+            icons.properties(name).value(QStringLiteral("icon-data")).toByteArray();
+        EXPECT_EQ(again.constData(), first.constData()) << "the bytes are shared, not made anew";
+    }
+}
+
+TEST(MenuIcons, FollowsTheThemeOfTheDesktop)
+{
+    const QString name = QStringLiteral("sample-program");
+    MenuIcons icons;
+    EXPECT_EQ(icons.properties(name).value(QStringLiteral("icon-name")), name);
+    const IconTheme theme(name);
+    EXPECT_TRUE(icons.properties(name).contains(QStringLiteral("icon-data")));
 }
 
 TEST(MenuIcons, LeavesABrokenFileOut)
