@@ -33,6 +33,12 @@ class CheckLayers(unittest.TestCase):
         self.assert_allowed("src/platform/linux_/Disks.h", '"platform/linux_/low/SmallFile.h"')
         self.assert_allowed("src/app/main.cpp", '"platform/linux_/LinuxPlatform.h"')
 
+    def test_views_know_menus_only(self):
+        self.assert_allowed("src/views/MenuViews.h", '"menu/Menu.h"')
+        self.assert_allowed("src/app/Application.cpp", '"views/MenuViews.h"')
+        self.assert_refused("src/views/MenuViews.h", '"engine/TopMonitor.h"')
+        self.assert_refused("src/controller/Controller.cpp", '"views/MenuViews.h"')
+
     def test_a_layer_below_may_not(self):
         self.assert_refused("src/util/Text.h", '"engine/TopMonitor.h"')
         self.assert_refused("src/engine/Monitor.h", '"controller/Controller.h"')
