@@ -64,6 +64,7 @@ private:
         sources.interfaces = m_platform->interfaceCounters.get();
         sources.disks = m_platform->diskCounters.get();
         sources.icons = m_platform->processIcons.get();
+        sources.workspace = m_platform->workspace.get();
         return sources;
     }
 

@@ -3,12 +3,22 @@
 #include "engine/Collectors.h"
 #include "platform/Counters.h"
 #include "platform/ProcessIcons.h"
+#include "platform/Workspace.h"
 
 #include <QString>
 
+#include <chrono>
 #include <functional>
 
 namespace pulsebar {
+
+/// How the path of a process is asked for.
+struct PathQueryCommand
+{
+    QString program = QStringLiteral("/bin/ps");
+    /// After this time a query counts as answered with nothing, and its child is ended.
+    std::chrono::milliseconds patience = std::chrono::seconds(5);
+};
 
 /// Where the figures of a sample come from. A source that is not there is null, and its keys are
 /// left out of the samples. All must outlive the monitor.
@@ -21,6 +31,8 @@ struct MonitorSources
     BatteryCollector *battery = nullptr;
     TemperatureCollector *temperatures = nullptr;
     FanCollector *fans = nullptr;
+    Workspace *workspace = nullptr;
+    PathQueryCommand pathQuery = {};
 };
 
 /// How to find the sampler.

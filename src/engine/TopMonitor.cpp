@@ -3,6 +3,7 @@
 #include "engine/AppUsage.h"
 #include "engine/HardwareEvents.h"
 #include "engine/MinuteStats.h"
+#include "engine/ProcessPaths.h"
 #include "engine/SampleAssembly.h"
 #include "engine/SamplerProcess.h"
 #include "engine/TopReportParser.h"
@@ -55,6 +56,7 @@ TopMonitor::TopMonitor(const MonitorSources &sources, SamplerCommand sampler, in
           [this](const QVariantMap &entry) { Q_EMIT hardwareEvent(entry); }))
     , m_assembly(std::make_unique<SampleAssembly>(m_sources, m_settings, *m_caches, *m_events))
     , m_sampler(std::make_unique<SamplerProcess>(std::move(sampler)))
+    , m_paths(std::make_unique<ProcessPaths>(m_sources))
 {
     m_settings.listMax = listMax;
     m_settings.refreshSec = refreshSec;
@@ -379,9 +381,34 @@ QVariant TopMonitor::fanMoves() const
     return speeds;
 }
 
+const QVariantMap &TopMonitor::processPathDict() const
+{
+    return m_paths->processPathDict();
+}
+
+QString TopMonitor::pathForPID(const QString &pid) const
+{
+    return dataForPID(pid, QStringLiteral("path")).toString();
+}
+
 QString TopMonitor::iconForPID(const QString &pid) const
 {
-    return m_sources.icons ? m_sources.icons->iconForPID(pid) : QString();
+    return dataForPID(pid, QStringLiteral("icon")).toString();
+}
+
+QVariant TopMonitor::dataForPID(const QString &pid, const QString &type) const
+{
+    return m_paths->dataForPID(pid, type);
+}
+
+void TopMonitor::checkPathForPID(const QString &pid)
+{
+    m_paths->checkPathForPID(pid);
+}
+
+void TopMonitor::readProcessPath(const QByteArray &report)
+{
+    m_paths->readProcessPath(report);
 }
 
 } // namespace pulsebar

@@ -16,6 +16,7 @@ namespace pulsebar {
 
 class AppUsage;
 class HardwareEvents;
+class ProcessPaths;
 class SampleAssembly;
 class SamplerProcess;
 struct UsageCaches;
@@ -160,8 +161,17 @@ public:
     /// The fans' speeds (QVariantList of float), empty when they cannot be read.
     QVariant fanMoves() const;
 
-    /// Icon name or path for a process number; empty when unknown.
+    /// What is known about processes by their numbers as text; see ProcessPaths.h. The first lookup
+    /// of a number answers nothing and starts a query in the background.
+    const QVariantMap &processPathDict() const;
+    /// The path of its executable or application bundle; empty when it is not known (yet).
+    QString pathForPID(const QString &pid) const;
+    /// A themed icon's name or an image file's path; empty when there is none (yet).
     QString iconForPID(const QString &pid) const;
+    /// The record's value for "path" or "icon".
+    QVariant dataForPID(const QString &pid, const QString &type) const;
+    void checkPathForPID(const QString &pid);
+    void readProcessPath(const QByteArray &report);
 
 Q_SIGNALS:
     /// topDict was replaced; once per sample.
@@ -185,6 +195,7 @@ private:
     std::unique_ptr<HardwareEvents> m_events;
     std::unique_ptr<SampleAssembly> m_assembly;
     std::unique_ptr<SamplerProcess> m_sampler;
+    std::unique_ptr<ProcessPaths> m_paths;
     std::unique_ptr<QTimer> m_timer;
 };
 

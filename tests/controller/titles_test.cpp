@@ -40,6 +40,9 @@ protected:
         titles.update();
     }
 
+    /// What ps tells about the busiest process, some time after it was first asked for.
+    void learnPath() { m_monitor.readProcessPath("PID COMMAND\n42 /opt/browser"); }
+
     FakeStatusItem item;
     FakeBattery battery;
     FakeTemperatures temperatures;
@@ -52,6 +55,7 @@ private:
         sources.battery = &battery;
         sources.temperatures = &temperatures;
         sources.icons = &icons;
+        sources.pathQuery.program = QStringLiteral("/nonexistent/ps");
         return sources;
     }
 
@@ -76,6 +80,9 @@ TEST_F(TitlesTest, BusiestProcessHasItsIcon)
     titles.setTitleTypesToDisplay({9, 1});
     sample();
     EXPECT_EQ(item.title(), QStringLiteral("35.0% | 12.3%"));
+    EXPECT_EQ(item.image(), QStringLiteral("application-x-executable"));
+    learnPath();
+    sample();
     EXPECT_EQ(item.image(), QStringLiteral("browser"));
     EXPECT_EQ(icons.asked, QStringList{QStringLiteral("42")});
     titles.setTitleTypesToDisplay({1});
@@ -105,6 +112,7 @@ TEST_F(TitlesTest, WithoutAProcessItsShareIsZeroAndThereIsNoIcon)
 TEST_F(TitlesTest, SeparatorComesBeforeATypeWithoutText)
 {
     titles.setTitleTypesToDisplay({1, 8});
+    learnPath();
     sample();
     EXPECT_EQ(item.title(), QStringLiteral("12.3% | "));
     EXPECT_EQ(item.image(), QStringLiteral("browser"));
@@ -120,6 +128,7 @@ TEST_F(TitlesTest, RotationShowsOneMemberPerSample)
 {
     titles.setTitleTypesToDisplay({7});
     titles.setToggleTitleOptionArray(rotation({1, 9, 11}));
+    learnPath();
     sample();
     EXPECT_EQ(item.title(), QStringLiteral("12.3%"));
     EXPECT_EQ(item.image(), QString());
@@ -212,6 +221,7 @@ TEST_F(TitlesTest, IconModeEndsAtItsWidth)
     EXPECT_EQ(item.length(), 30.0);
     EXPECT_EQ(item.title(), QString());
     EXPECT_EQ(item.image(), QStringLiteral("program"));
+    learnPath();
     sample();
     EXPECT_EQ(item.image(), QStringLiteral("browser"));
 }

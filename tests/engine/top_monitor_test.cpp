@@ -340,11 +340,15 @@ TEST_F(TopMonitorTest, AccessorsOfMissingSourcesAnswerNothing)
     EXPECT_EQ(bare.iconForPID(QStringLiteral("1")), QString());
 }
 
-TEST_F(TopMonitorTest, IconsComeFromTheirSource)
+TEST_F(TopMonitorTest, PathsAndIconsAreThereAfterTheQuery)
 {
     m_icons.answers[QStringLiteral("123")] = QStringLiteral("web-browser");
-    EXPECT_EQ(m_monitor.iconForPID(QStringLiteral("123")), QStringLiteral("web-browser"));
-    EXPECT_EQ(m_monitor.iconForPID(QStringLiteral("7")), QString());
+    m_monitor.readProcessPath("  PID COMMAND\n  123 /opt/browser --tab\n  ");
+    EXPECT_EQ(m_monitor.pathForPID(QStringLiteral("123")), QStringLiteral("/opt/browser"));
+    EXPECT_EQ(m_monitor.iconForPID(QStringLiteral("123-9")), QStringLiteral("web-browser"));
+    EXPECT_EQ(m_monitor.dataForPID(QStringLiteral("123"), QStringLiteral("path")),
+              QStringLiteral("/opt/browser"));
+    EXPECT_EQ(m_monitor.processPathDict().size(), 1);
 }
 
 TEST_F(TopMonitorTest, SeriesKeepTheLengthThatTheIntervalAsks)

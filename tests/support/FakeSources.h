@@ -4,6 +4,7 @@
 #include "platform/Counters.h"
 #include "platform/ProcessIcons.h"
 #include "platform/SystemFacts.h"
+#include "platform/Workspace.h"
 
 #include <map>
 
@@ -66,6 +67,33 @@ struct IconsAnswer : ProcessIcons
     {
         const auto found = answers.find(pid);
         return found == answers.end() ? QString() : found->second;
+    }
+};
+
+struct WorkspaceAnswer : Workspace
+{
+    std::map<QString, QString> icons;        ///< by path
+    std::map<QString, QString> paths;        ///< by application name
+    std::map<QString, QString> names;        ///< by path
+    std::map<QString, QStringList> commands; ///< by program
+    QString iconForFile(const QString &path) override { return valueOf(icons, path, QString()); }
+    QString displayName(const QString &path) override { return valueOf(names, path, path); }
+    QString fullPathForApplication(const QString &name) override
+    {
+        return valueOf(paths, name, QString());
+    }
+    QStringList commandForProgram(const QString &program) override
+    {
+        return valueOf(commands, program, QStringList());
+    }
+
+private:
+    template <typename Value>
+    static Value valueOf(const std::map<QString, Value> &values, const QString &key,
+                         Value otherwise)
+    {
+        const auto found = values.find(key);
+        return found == values.end() ? otherwise : found->second;
     }
 };
 

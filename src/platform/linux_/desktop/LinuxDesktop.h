@@ -1,5 +1,8 @@
 #pragma once
 
+#include "platform/AdministratorRights.h"
+#include "platform/ApplicationWindows.h"
+#include "platform/FileViewer.h"
 #include "platform/ProcessNames.h"
 #include "platform/TrayDock.h"
 #include "platform/WindowHints.h"
@@ -17,5 +20,17 @@ std::unique_ptr<WindowHints> makeWindowHints();
 
 /// Names from /proc/PID/cmdline.
 std::unique_ptr<ProcessNames> makeProcessNames();
+
+/// Windows of the X screen that DISPLAY names at the time of the question (EWMH, ICCCM). Without an
+/// X server nobody has windows.
+std::unique_ptr<ApplicationWindows> makeApplicationWindows();
+
+/// The file manager on the session bus.
+std::unique_ptr<FileViewer> makeFileViewer();
+
+/// polkit's pkexec(1).
+/// @param pkexec its absolute path
+std::unique_ptr<AdministratorRights>
+makeAdministratorRights(const QString &pkexec = QStringLiteral("/usr/bin/pkexec"));
 
 } // namespace pulsebar

@@ -9,6 +9,9 @@ Desktop makeDesktop()
     desktop.trayDock = makeTrayDock();
     desktop.windowHints = makeWindowHints();
     desktop.processNames = makeProcessNames();
+    desktop.applicationWindows = makeApplicationWindows();
+    desktop.fileViewer = makeFileViewer();
+    desktop.administratorRights = makeAdministratorRights();
     return desktop;
 }
 
