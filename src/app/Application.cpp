@@ -3,8 +3,11 @@
 #include "app/CommandLine.h"
 #include "app/Display.h"
 #include "app/HelperPaths.h"
+#include "app/Manuals.h"
+#include "app/ProgramPath.h"
 #include "app/SessionBus.h"
 #include "app/TerminationSignals.h"
+#include "controller/ApplicationUtility.h"
 #include "controller/Controller.h"
 #include "controller/Scripting.h"
 #include "controller/Settings.h"
@@ -20,6 +23,7 @@
 #include <QLoggingCategory>
 #include <QPoint>
 
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 
@@ -46,6 +50,8 @@ public:
         , m_statusItem(surroundings())
         , m_monitor(sources(), SamplerCommand{samplerPath})
         , m_detailWindow([this] { return newestReport(); })
+        , m_application(m_desktop.urlOpener.get(),
+                        manualPlaces(QCoreApplication::applicationDirPath()))
         , m_controller(parts())
         , m_scripting(m_controller)
     {
@@ -73,6 +79,12 @@ private:
         ControllerParts parts{m_monitor, m_statusItem, m_settings, PanelStatusItem::programImage(),
                               endProgram};
         parts.showDetailWindow = [this] { m_detailWindow.show(); };
+        parts.loginItems = m_platform->loginItems.get();
+        parts.application = &m_application;
+        parts.applicationPath = [] {
+            return lastingProgramPath(QCoreApplication::applicationFilePath(),
+                                      QCoreApplication::arguments().value(0), qgetenv("PATH"));
+        };
         return parts;
     }
 
@@ -115,6 +127,7 @@ private:
     PanelStatusItem m_statusItem;
     TopMonitor m_monitor;
     DetailWindow m_detailWindow;
+    ApplicationUtility m_application;
     Controller m_controller;
     Scripting m_scripting;
 };
@@ -160,6 +173,24 @@ QIcon windowIcon()
     return icon;
 }
 
+/// The command line as the toolkit is to see it; it keeps what it is given, and changes it.
+struct ToolkitArguments
+{
+    ToolkitArguments(char *program, const QByteArray &platform)
+        : option("-platform")
+        , value(platform)
+        , count(platform.isEmpty() ? 1 : 3)
+        , words{program, option.data(), value.data(), nullptr}
+    {
+        words[static_cast<std::size_t>(count)] = nullptr;
+    }
+
+    QByteArray option;
+    QByteArray value;
+    int count;
+    std::array<char *, 4> words;
+};
+
 int runProgram(QApplication &application)
 {
     Program program;
@@ -192,14 +223,16 @@ int runApplication(int argc, char *argv[])
         arguments += QString::fromLocal8Bit(argv[i]);
     if (const std::optional<int> status = handleCommandLine(arguments))
         return *status;
-    if (!prepareDisplay())
+    const std::optional<QByteArray> platform = displayPlatform();
+    if (!platform)
         return EXIT_FAILURE;
 
     QCoreApplication::setApplicationName(QStringLiteral("Pulsebar"));
     QCoreApplication::setApplicationVersion(QStringLiteral(PULSEBAR_VERSION));
     QGuiApplication::setDesktopFileName(QStringLiteral("org.pulsebar.Pulsebar"));
     std::optional<DisplayErrors> displayErrors(std::in_place);
-    QApplication application(argc, argv);
+    ToolkitArguments toolkit(argv[0], *platform);
+    QApplication application(toolkit.count, toolkit.words.data());
     displayErrors.reset();
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setWindowIcon(windowIcon());

@@ -1,6 +1,5 @@
 #include "app/Display.h"
 
-#include <QByteArray>
 #include <QtGlobal>
 
 #include <cstdio>
@@ -29,18 +28,16 @@ void handleMessage(QtMsgType type, const QMessageLogContext &context, const QStr
 
 } // namespace
 
-bool prepareDisplay()
+std::optional<QByteArray> displayPlatform()
 {
     if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        return true;
-    if (!qEnvironmentVariableIsEmpty("DISPLAY")) {
-        qputenv("QT_QPA_PLATFORM", QByteArrayLiteral("xcb"));
-        return true;
-    }
+        return QByteArray();
+    if (!qEnvironmentVariableIsEmpty("DISPLAY"))
+        return QByteArrayLiteral("xcb");
     if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
-        return true;
+        return QByteArray();
     reportNoDisplay();
-    return false;
+    return std::nullopt;
 }
 
 DisplayErrors::DisplayErrors()

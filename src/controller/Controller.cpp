@@ -1,5 +1,6 @@
 #include "controller/Controller.h"
 
+#include "controller/ApplicationUtility.h"
 #include "controller/GraphWindows.h"
 #include "controller/Settings.h"
 #include "controller/TitleTexts.h"
@@ -51,6 +52,9 @@ Controller::Controller(const ControllerParts &parts)
     , m_networkMonitor(parts.networkMonitor)
     , m_graphWindows(parts.graphWindows)
     , m_processes(parts.processes)
+    , m_loginItems(parts.loginItems)
+    , m_application(parts.application)
+    , m_applicationPath(parts.applicationPath)
     , m_terminate(parts.terminate)
     , m_showDetailWindow(parts.showDetailWindow)
     , m_titles(parts.monitor, parts.statusItem, parts.programImage)
@@ -62,6 +66,8 @@ Controller::Controller(const ControllerParts &parts)
 void Controller::awakeFromNib()
 {
     static constexpr double kFirstLength = 60.0;
+    if (m_application != nullptr)
+        m_application->showManualIfItIsFirstLaunch(m_settings);
     // Observe entries come and go over the bus; the title needs every collector all the same.
     m_monitor.setAutoEnableMonitor(false);
     for (const char *flag : {"monitorCPU", "monitorNetwork", "monitorBattery",
@@ -75,6 +81,8 @@ void Controller::awakeFromNib()
     if (m_titles.titleTypesToDisplay().value(0) == titles::kIconOnly)
         m_titles.changeStatusItemToIcon(true);
     m_monitor.startMonitoringTop();
+    if (m_networkMax != 0)
+        runNettop(true);
 }
 
 void Controller::loadPreference()
@@ -110,7 +118,7 @@ void Controller::loadMonitorSettings()
     m_monitor.setCheckMemory(m_settings.value(preferences::kCheckMemory));
     m_monitor.setSortByMemory(m_settings.value(preferences::kSortByMemory));
     m_monitor.setListMax(m_settings.value(preferences::kListMax));
-    m_monitor.setRefreshSec(m_settings.value(preferences::kRefreshSec));
+    setRefreshSec(m_settings.value(preferences::kRefreshSec));
     m_monitor.setFahrenheit(m_settings.value(preferences::kFahrenheit));
 }
 
@@ -198,6 +206,12 @@ Controller::Action Controller::actionNamed(const QString &name)
         {QStringLiteral("changeToggleTitleOption"), &Controller::changeToggleTitleOption},
         {QStringLiteral("changeRefreshTime"), &Controller::changeRefreshTime},
         {QStringLiteral("changeProcessListMax"), &Controller::changeProcessListMax},
+        {QStringLiteral("changeNetworkListMax"), &Controller::changeNetworkListMax},
+        {QStringLiteral("switchShowIcon"), &Controller::switchShowIcon},
+        {QStringLiteral("switchFahrenheit"), &Controller::switchFahrenheit},
+        {QStringLiteral("switchAutoLaunch"), &Controller::switchAutoLaunch},
+        {QStringLiteral("setItemWidth"), &Controller::setItemWidth},
+        {QStringLiteral("showManual"), &Controller::showManual},
         {QStringLiteral("changeTitleOnPanel"), &Controller::changeTitleOnPanel},
         {QStringLiteral("showGraphView"), &Controller::showGraphView},
         {QStringLiteral("switchGraphWindow"), &Controller::switchGraphWindow},
@@ -214,42 +228,6 @@ void Controller::performAction(const Menu &menu, const MenuItem &item,
     const Action action = actionNamed(item.action);
     if (action != nullptr)
         (this->*action)({menu, item, modifiers});
-}
-
-void Controller::switchCheckMemory(const Choice & /*choice*/)
-{
-    m_monitor.setCheckMemory(!m_monitor.checkMemory());
-}
-
-void Controller::switchSortByMemory(const Choice & /*choice*/)
-{
-    m_monitor.setSortByMemory(!m_monitor.sortByMemory());
-}
-
-void Controller::changeTitleToDisplayType(const Choice &choice)
-{
-    m_titles.changeTitleToDisplayType(choice.item.tag,
-                                      choice.modifiers.testFlag(Qt::ControlModifier));
-}
-
-void Controller::changeToggleTitleOption(const Choice &choice)
-{
-    m_titles.changeToggleTitleOption(choice.item.tag);
-}
-
-void Controller::changeRefreshTime(const Choice &choice)
-{
-    m_monitor.setRefreshSec(choice.item.tag);
-}
-
-void Controller::changeProcessListMax(const Choice &choice)
-{
-    m_monitor.setListMax(choice.item.tag);
-}
-
-void Controller::changeTitleOnPanel(const Choice &choice)
-{
-    setTitleOnPanel(choice.item.representedObject.toString());
 }
 
 void Controller::showGraphView(const Choice &choice)

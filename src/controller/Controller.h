@@ -12,7 +12,9 @@
 
 namespace pulsebar {
 
+class ApplicationUtility;
 class GraphWindows;
+class LoginItems;
 class NetworkMonitor;
 class Processes;
 class Settings;
@@ -24,11 +26,15 @@ struct ControllerParts
     TopMonitor &monitor;
     StatusItem &statusItem;
     Settings &settings;
-    QString programImage;            ///< stands for the program in icon mode
-    std::function<void()> terminate; ///< ends the program; save() is called on the way
-    NetworkMonitor *networkMonitor = nullptr;
+    QString programImage;                     ///< stands for the program in icon mode
+    std::function<void()> terminate;          ///< ends the program; save() is called on the way
+    NetworkMonitor *networkMonitor = nullptr; ///< null: no process's traffic is known
     GraphWindows *graphWindows = nullptr;
     Processes *processes = nullptr;
+    LoginItems *loginItems = nullptr;          ///< null: the system keeps no list of them
+    ApplicationUtility *application = nullptr; ///< null: there is no manual to show
+    /// The path under which login items know this program; asked when it is needed.
+    std::function<QString()> applicationPath = [] { return QString(); };
     /// Opens the window with the newest raw report; may be empty.
     std::function<void()> showDetailWindow = {};
 };
@@ -55,6 +61,8 @@ public:
 
     bool showIcon() const { return m_showIcon; }
     qint64 networkMax() const { return m_networkMax; }
+    /// The program is to be started at login, as far as its own settings say.
+    bool autoLaunch() const;
 
     /// "automatic", "text", "icon" or "strip".
     QString titleOnPanel() const;
@@ -92,6 +100,8 @@ private:
     void loadMonitorSettings();
     void loadToggleTitleOptionArray();
     void loadItemWidth();
+    void setRefreshSec(int seconds);
+    void runNettop(bool on);
     TitleMenuState titleMenuState() const;
     PreferenceMenuState preferenceMenuState() const;
 
@@ -101,7 +111,13 @@ private:
     void changeToggleTitleOption(const Choice &choice);
     void changeRefreshTime(const Choice &choice);
     void changeProcessListMax(const Choice &choice);
+    void changeNetworkListMax(const Choice &choice);
+    void switchShowIcon(const Choice &choice);
+    void switchFahrenheit(const Choice &choice);
+    void switchAutoLaunch(const Choice &choice);
+    void setItemWidth(const Choice &choice);
     void changeTitleOnPanel(const Choice &choice);
+    void showManual(const Choice &choice);
     void showGraphView(const Choice &choice);
     void switchGraphWindow(const Choice &choice);
     void dummy(const Choice &choice);
@@ -117,6 +133,9 @@ private:
     GraphWindows *m_graphWindows;
     Processes *m_processes;
     quint64 m_listedAt = 0; ///< when the newest sample was published, as Processes::now() tells
+    LoginItems *m_loginItems;
+    ApplicationUtility *m_application;
+    std::function<QString()> m_applicationPath;
     std::function<void()> m_terminate;
     std::function<void()> m_showDetailWindow;
     Titles m_titles;

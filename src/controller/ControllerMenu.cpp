@@ -30,7 +30,7 @@ PreferenceMenuState Controller::preferenceMenuState() const
     state.networkMax = m_networkMax;
     state.showIcon = m_showIcon;
     state.fahrenheit = m_monitor.fahrenheit();
-    state.autoLaunch = m_settings.value(preferences::kAutoLaunch);
+    state.autoLaunch = autoLaunch();
     state.itemWidth = static_cast<double>(m_titles.itemWidth());
     state.titleOnPanel = titleOnPanel();
     return state;

@@ -32,6 +32,8 @@ inline constexpr Preference<bool> kSortByMemory{"sortByMemory", false};
 inline constexpr Preference<bool> kFahrenheit{"fahrenheit", false};
 /// Written when it is chosen, not with the others at the end.
 inline constexpr Preference<bool> kAutoLaunch{"autoLaunch", false};
+/// True once the manual has been shown.
+inline constexpr Preference<bool> kNotFirstLaunch{"NotFirstLaunch", false};
 /// "automatic", "text", "icon" or "strip".
 inline constexpr OptionalPreference<QString> kTitleOnPanel{"titleOnPanel"};
 inline constexpr OptionalPreference<QVector<int>> kTitleTypesToDisplay{"titleTypesToDisplay"};

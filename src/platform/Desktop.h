@@ -5,6 +5,7 @@
 #include "platform/FileViewer.h"
 #include "platform/ProcessNames.h"
 #include "platform/TrayDock.h"
+#include "platform/UrlOpener.h"
 #include "platform/WindowHints.h"
 
 #include <memory>
@@ -13,7 +14,7 @@ namespace pulsebar {
 
 /// What the program asks of the desktop beside the session bus. Each member may be null: then the
 /// item does without a tray, without workspaces, or without knowing its host, and the actions that
-/// need windows, a file manager or an administrator do nothing.
+/// need windows, a file manager, an administrator or another program to open something do nothing.
 struct Desktop
 {
     std::unique_ptr<TrayDock> trayDock;
@@ -22,6 +23,7 @@ struct Desktop
     std::unique_ptr<ApplicationWindows> applicationWindows;
     std::unique_ptr<FileViewer> fileViewer;
     std::unique_ptr<AdministratorRights> administratorRights;
+    std::unique_ptr<UrlOpener> urlOpener;
 };
 
 /// The desktop this process shows itself on; to be asked once, by a program that has a display.

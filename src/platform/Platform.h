@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Counters.h"
+#include "platform/LoginItems.h"
 #include "platform/ProcessIcons.h"
 #include "platform/ProcessTable.h"
 #include "platform/Processes.h"
@@ -24,6 +25,7 @@ struct Platform
     std::unique_ptr<Processes> processes;
     std::unique_ptr<ProcessTable> processTable;
     std::unique_ptr<Workspace> workspace;
+    std::unique_ptr<LoginItems> loginItems;
 };
 
 /// The platform this build is for. Opens no file and no socket before something is asked.

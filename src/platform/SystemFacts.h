@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace pulsebar {
 
@@ -33,6 +34,9 @@ public:
     virtual std::optional<std::string> text(int selector) const = 0;
     /// The fact as a number in its base unit (bytes, hertz); absent when unknown.
     virtual std::optional<std::int64_t> number(int selector) const = 0;
+    /// A fact that goes by a name; absent when unknown. "hw.physicalcpu": the processor cores that
+    /// are there, however many threads each of them runs.
+    virtual std::optional<std::int64_t> numberByName(std::string_view name) const = 0;
 };
 
 } // namespace pulsebar

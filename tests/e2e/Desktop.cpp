@@ -108,7 +108,8 @@ int Process::waitForEnd()
 
 Desktop::Desktop()
 {
-    m_environment.insert(QStringLiteral("PATH"), qEnvironmentVariable("PATH"));
+    m_environment.insert(QStringLiteral("PATH"), m_folder.filePath(QStringLiteral("bin")) + u':' +
+                                                     qEnvironmentVariable("PATH"));
     for (const char *name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS"}) {
         if (qEnvironmentVariableIsSet(name))
             m_environment.insert(QString::fromLatin1(name), qEnvironmentVariable(name));
@@ -123,6 +124,7 @@ Desktop::Desktop()
         QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         m_environment.insert(QStringLiteral("XDG_") + QLatin1String(name), folder);
     }
+    installOpener();
     startBus();
     startDisplay();
 }
@@ -131,6 +133,22 @@ Desktop::~Desktop()
 {
     stopBus();
     stopDisplay();
+}
+
+void Desktop::installOpener()
+{
+    const QString script = QStringLiteral("#!/bin/sh\nprintf '%s\\n' \"$*\" >>\"$HOME/opened\"\n");
+    const QString name = m_folder.filePath(QStringLiteral("bin/xdg-open"));
+    writeFile(name, script.toUtf8());
+    QFile::setPermissions(name, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+QStringList Desktop::openedUrls() const
+{
+    QFile notes(m_folder.filePath(QStringLiteral("opened")));
+    if (!notes.open(QIODevice::ReadOnly))
+        return {};
+    return QString::fromUtf8(notes.readAll()).split(u'\n', Qt::SkipEmptyParts);
 }
 
 void Desktop::startBus()

@@ -55,6 +55,9 @@ public:
     QString settingsFile() const;
     void writeSettings(const QByteArray &text) const;
     QByteArray settings() const;
+    /// What the programs have asked to be opened, a URL per line. Nothing is: what stands for the
+    /// desktop's opener only takes notes, so that no test shows anything to a developer.
+    QStringList openedUrls() const;
     /// Copies a recorded machine and makes the programs read it. @return the folder of the copy
     QString useMachine(const QString &kind);
 
@@ -65,6 +68,7 @@ public:
     void stopDisplay();
 
 private:
+    void installOpener();
     void startBus();
     void startDisplay();
 

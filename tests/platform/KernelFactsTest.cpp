@@ -99,5 +99,20 @@ TEST(KernelFacts, TheRunningKernelKnowsItself)
     EXPECT_GE(facts.number(of(SystemFact::PageSize)).value_or(0), 4096);
 }
 
+TEST(KernelFacts, CoresAreCountedHoweverManyThreadsTheyRun)
+{
+    TemporaryMachine machine;
+    const std::string cpus = "/sys/devices/system/cpu/cpu";
+    for (const auto &[thread, siblings] : {std::pair{"0", "0,4\n"}, std::pair{"1", "1,5\n"},
+                                           std::pair{"4", "0,4\n"}, std::pair{"5", "1,5\n"}})
+        machine.write(cpus + thread + "/topology/thread_siblings_list", siblings);
+    machine.write(cpus + "6/online", "0\n");
+    machine.write(cpus + "freq/policy0/x", "\n");
+    const KernelFacts facts(machine.root());
+    EXPECT_EQ(facts.numberByName("hw.physicalcpu"), 2);
+    EXPECT_EQ(facts.numberByName("hw.logicalcpu"), std::nullopt);
+    EXPECT_EQ(KernelFacts(TemporaryMachine().root()).numberByName("hw.physicalcpu"), std::nullopt);
+}
+
 } // namespace
 } // namespace pulsebar

@@ -13,6 +13,8 @@ if [ -z "${PULSEBAR_TEST_HOME:-}" ]; then
     trap 'rm -rf "$PULSEBAR_TEST_HOME"' EXIT
     export HOME=$PULSEBAR_TEST_HOME XDG_CONFIG_HOME=$PULSEBAR_TEST_HOME XDG_RUNTIME_DIR=$PULSEBAR_TEST_HOME
     chmod 700 "$PULSEBAR_TEST_HOME"
+    mkdir "$HOME/Pulsebar"
+    printf '[General]\nNotFirstLaunch=true\n' >"$HOME/Pulsebar/Pulsebar.conf"
     dbus-run-session -- bash "$0" "$bin"
     exit
 fi

@@ -8,6 +8,9 @@
 
 #include <sys/utsname.h>
 
+#include <dirent.h>
+#include <memory>
+#include <set>
 #include <unistd.h>
 #include <utility>
 
@@ -87,6 +90,11 @@ std::optional<std::int64_t> KernelFacts::number(int selector) const
     default:
         return std::nullopt;
     }
+}
+
+std::optional<std::int64_t> KernelFacts::numberByName(std::string_view name) const
+{
+    return name == "hw.physicalcpu" ? physicalCores() : std::nullopt;
 }
 
 std::optional<std::string> KernelFacts::file(const std::string &absolute) const
@@ -196,6 +204,23 @@ std::optional<std::int64_t> KernelFacts::cpuFrequency() const
         return clock;
     const auto cpuinfo = file("/proc/cpuinfo");
     return cpuinfo ? parseCpuMegahertz(*cpuinfo) : std::nullopt;
+}
+
+std::optional<std::int64_t> KernelFacts::physicalCores() const
+{
+    const std::string folder = "/sys/devices/system/cpu/";
+    const std::unique_ptr<DIR, int (*)(DIR *)> stream(::opendir(m_root.path(folder).c_str()),
+                                                      &::closedir);
+    // The threads of a core all tell the same set; one that is offline tells none.
+    std::set<std::string> cores;
+    while (const dirent *entry = stream ? ::readdir(stream.get()) : nullptr) {
+        const std::string_view name = entry->d_name;
+        if (!name.starts_with("cpu"))
+            continue;
+        if (auto threads = file(folder + entry->d_name + "/topology/thread_siblings_list"))
+            cores.insert(*std::move(threads));
+    }
+    return positive<std::int64_t>(static_cast<std::int64_t>(cores.size()));
 }
 
 std::optional<std::int64_t> KernelFacts::cacheLine() const

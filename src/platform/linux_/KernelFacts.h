@@ -20,6 +20,8 @@ namespace pulsebar {
 /// | bus frequency | the device tree's `bus-frequency`; otherwise not known on Linux |
 /// | CPU frequency | the first processor's base frequency, else its highest, else its present one |
 /// | caches | /sys/devices/system/cpu/cpu0/cache |
+/// | "hw.physicalcpu" | how many different sets of threads /sys/devices/system/cpu/cpuN/topology
+/// tells |
 ///
 /// Facts of text have no number and facts of numbers no text.
 class KernelFacts : public SystemFacts
@@ -28,6 +30,7 @@ public:
     explicit KernelFacts(Sysroot root);
     std::optional<std::string> text(int selector) const override;
     std::optional<std::int64_t> number(int selector) const override;
+    std::optional<std::int64_t> numberByName(std::string_view name) const override;
 
 private:
     std::optional<std::string> file(const std::string &absolute) const;
@@ -42,6 +45,7 @@ private:
     std::optional<std::int64_t> physicalMemory() const;
     std::optional<std::int64_t> userMemory() const;
     std::optional<std::int64_t> cpuFrequency() const;
+    std::optional<std::int64_t> physicalCores() const;
     std::optional<std::int64_t> cacheLine() const;
     std::optional<std::int64_t> cacheSize(int level, const std::string &kind) const;
 

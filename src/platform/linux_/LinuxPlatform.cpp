@@ -1,5 +1,6 @@
 #include "platform/linux_/LinuxPlatform.h"
 
+#include "platform/linux_/AutostartFolder.h"
 #include "platform/linux_/DesktopProcessIcons.h"
 #include "platform/linux_/DesktopWorkspace.h"
 #include "platform/linux_/KernelFacts.h"
@@ -22,6 +23,8 @@ std::unique_ptr<Platform> makeLinuxPlatform(const Sysroot &root)
     platform->processes = std::make_unique<LinuxProcesses>(root);
     platform->processTable = std::make_unique<LinuxProcessTable>();
     platform->workspace = std::make_unique<DesktopWorkspace>(entries);
+    platform->loginItems =
+        std::make_unique<AutostartFolder>(AutostartFolder::standardFolder(), qgetenv("PATH"));
     return platform;
 }
 

@@ -30,6 +30,10 @@ class NoSystemFacts : public SystemFacts
 public:
     std::optional<std::string> text(int) const override { return std::nullopt; }
     std::optional<std::int64_t> number(int) const override { return std::nullopt; }
+    std::optional<std::int64_t> numberByName(std::string_view) const override
+    {
+        return std::nullopt;
+    }
 };
 
 class NoProcessIcons : public ProcessIcons
@@ -65,6 +69,13 @@ public:
     QStringList commandForProgram(const QString &) override { return {}; }
 };
 
+class NoLoginItems : public LoginItems
+{
+public:
+    std::optional<QVariantList> items(const QString &) override { return std::nullopt; }
+    bool setItems(const QVariantList &) override { return false; }
+};
+
 } // namespace
 
 std::unique_ptr<Platform> makeNonePlatform()
@@ -78,6 +89,7 @@ std::unique_ptr<Platform> makeNonePlatform()
     platform->processes = std::make_unique<NoProcesses>();
     platform->processTable = std::make_unique<NoProcessTable>();
     platform->workspace = std::make_unique<NoWorkspace>();
+    platform->loginItems = std::make_unique<NoLoginItems>();
     return platform;
 }
 

@@ -41,6 +41,33 @@ TEST(DesktopEntry, KnowsWhatIsNotShownAndWhatIsRemoved)
     EXPECT_TRUE(parseDesktopEntry("[Desktop Entry]\nHidden=true\r\n").removed);
 }
 
+TEST(DesktopEntry, KnowsWhatIsSwitchedOffAtLogin)
+{
+    EXPECT_TRUE(parseDesktopEntry("[Desktop Entry]\nExec=a\n").autostart);
+    EXPECT_TRUE(parseDesktopEntry("[Desktop Entry]\nX-GNOME-Autostart-enabled=true\n").autostart);
+    EXPECT_FALSE(
+        parseDesktopEntry("[Desktop Entry]\nX-GNOME-Autostart-enabled = false\n").autostart);
+}
+
+TEST(DesktopEntry, WordsAreQuotedWhereTheyNeedIt)
+{
+    EXPECT_EQ(desktopEntryWord("/usr/bin/pulsebar"), "/usr/bin/pulsebar");
+    EXPECT_EQ(desktopEntryWord("/my programs/a"), "\"/my programs/a\"");
+    EXPECT_EQ(desktopEntryWord("a\"b`c$d\\e"), "\"a\\\"b\\`c\\$d\\\\e\"");
+    EXPECT_EQ(desktopEntryWord("100%f"), "100%%f");
+    EXPECT_EQ(desktopEntryWord(""), "\"\"");
+}
+
+TEST(DesktopEntry, StringsAreEscapedAsTheyAreRead)
+{
+    EXPECT_EQ(desktopEntryString(" a\\b\n\t\r c"), "\\sa\\\\b\\n\\t\\r c");
+    for (const std::string text : {"a", " a b ", "\n\\n", "\t\r\\\\"}) {
+        const auto entry =
+            parseDesktopEntry("[Desktop Entry]\nIcon=" + desktopEntryString(text + "|") + "\n");
+        EXPECT_EQ(entry.icon, text + "|");
+    }
+}
+
 TEST(DesktopEntry, CommandLines)
 {
     EXPECT_THAT(commandOf("/opt/app/bin/app --x %f"), ElementsAre("/opt/app/bin/app", "--x"));

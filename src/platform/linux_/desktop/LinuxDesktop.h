@@ -5,6 +5,7 @@
 #include "platform/FileViewer.h"
 #include "platform/ProcessNames.h"
 #include "platform/TrayDock.h"
+#include "platform/UrlOpener.h"
 #include "platform/WindowHints.h"
 
 #include <memory>
@@ -32,5 +33,8 @@ std::unique_ptr<FileViewer> makeFileViewer();
 /// @param pkexec its absolute path
 std::unique_ptr<AdministratorRights>
 makeAdministratorRights(const QString &pkexec = QStringLiteral("/usr/bin/pkexec"));
+
+/// Opens with xdg-open, the desktops' common door to the user's chosen programs.
+std::unique_ptr<UrlOpener> makeUrlOpener();
 
 } // namespace pulsebar

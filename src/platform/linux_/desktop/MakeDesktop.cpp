@@ -12,6 +12,7 @@ Desktop makeDesktop()
     desktop.applicationWindows = makeApplicationWindows();
     desktop.fileViewer = makeFileViewer();
     desktop.administratorRights = makeAdministratorRights();
+    desktop.urlOpener = makeUrlOpener();
     return desktop;
 }
 

@@ -107,6 +107,8 @@ void readKey(std::string_view key, std::string_view value, DesktopEntry &entry)
         entry.shown = value != "true";
     else if (key == "Hidden")
         entry.removed = value == "true";
+    else if (key == "X-GNOME-Autostart-enabled")
+        entry.autostart = value != "false";
 }
 
 /// How good a translation of the name the key is: 0 is the best, the number of languages is none.
@@ -150,6 +152,40 @@ DesktopEntry parseDesktopEntry(std::string_view text, const std::vector<std::str
     if (entry.localName.empty())
         entry.localName = entry.name;
     return entry;
+}
+
+std::string desktopEntryWord(std::string_view word)
+{
+    constexpr std::string_view reserved = " \t\n\"'\\><~|&;$*?#()`";
+    constexpr std::string_view escapedInQuotes = "\"`$\\";
+    const bool quoted = word.empty() || word.find_first_of(reserved) != std::string_view::npos;
+    std::string text = quoted ? "\"" : "";
+    for (const char character : word) {
+        if (quoted && escapedInQuotes.find(character) != std::string_view::npos)
+            text += '\\';
+        // A single one would begin a field code.
+        if (character == '%')
+            text += '%';
+        text += character;
+    }
+    return quoted ? text + '"' : text;
+}
+
+std::string desktopEntryString(std::string_view text)
+{
+    constexpr std::string_view codes = "\\ntr";
+    constexpr std::string_view meanings = "\\\n\t\r";
+    std::string value;
+    for (const char character : text) {
+        const auto code = meanings.find(character);
+        if (code != std::string_view::npos)
+            value.append("\\").append(1, codes[code]);
+        else if (character == ' ' && value.empty())
+            value += "\\s";
+        else
+            value += character;
+    }
+    return value;
 }
 
 } // namespace pulsebar

@@ -20,6 +20,7 @@ struct DesktopEntry
     bool shown = true;          ///< false for NoDisplay: not meant for menus
     bool removed =
         false; ///< Hidden: as if the file, and those of its name after it, were not there
+    bool autostart = true; ///< false when switched off in the desktop's list of start-up programs
 };
 
 /// Parses the [Desktop Entry] group. Malformed lines, other translations, actions and unknown keys
@@ -27,5 +28,12 @@ struct DesktopEntry
 /// @param languages the best first, as the keys have them, such as "pt_BR" and "pt"
 DesktopEntry parseDesktopEntry(std::string_view text,
                                const std::vector<std::string> &languages = {});
+
+/// A word of a command line as it stands in Exec, before desktopEntryString(): in quotes where it
+/// needs them, and without field codes.
+std::string desktopEntryWord(std::string_view word);
+
+/// A text as the value of a key of type string.
+std::string desktopEntryString(std::string_view text);
 
 } // namespace pulsebar
