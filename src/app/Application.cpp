@@ -78,6 +78,7 @@ private:
     {
         ControllerParts parts{m_monitor, m_statusItem, m_settings, PanelStatusItem::programImage(),
                               endProgram};
+        parts.processes = m_platform->processes.get();
         parts.showDetailWindow = [this] { m_detailWindow.show(); };
         parts.loginItems = m_platform->loginItems.get();
         parts.application = &m_application;

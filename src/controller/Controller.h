@@ -1,8 +1,7 @@
 #pragma once
 
 #include "controller/Titles.h"
-#include "menu/Menu.h"
-#include "menu/PreferenceMenu.h"
+#include "menu/MainMenu.h"
 #include "statusitem/StatusItem.h"
 
 #include <QObject>
@@ -104,6 +103,8 @@ private:
     void runNettop(bool on);
     TitleMenuState titleMenuState() const;
     PreferenceMenuState preferenceMenuState() const;
+    ProcessMenuState processMenuState() const;
+    MainMenuState mainMenuState() const;
 
     void switchCheckMemory(const Choice &choice);
     void switchSortByMemory(const Choice &choice);

@@ -1,10 +1,12 @@
 // What the controller's menu is built from.
 
 #include "controller/Controller.h"
+#include "controller/GraphWindows.h"
 #include "controller/Settings.h"
 #include "controller/TitleTexts.h"
+#include "engine/NetworkMonitor.h"
 #include "engine/TopMonitor.h"
-#include "util/Localisation.h"
+#include "platform/Processes.h"
 
 namespace pulsebar {
 
@@ -36,16 +38,37 @@ PreferenceMenuState Controller::preferenceMenuState() const
     return state;
 }
 
+ProcessMenuState Controller::processMenuState() const
+{
+    ProcessMenuState state;
+    state.showIcon = m_showIcon;
+    state.monitorProcessUsage = m_monitor.monitorProcessUsage();
+    state.iconForPID = [this](const QString &pid) { return m_monitor.iconForPID(pid); };
+    state.pathForPID = [this](const QString &pid) { return m_monitor.pathForPID(pid); };
+    state.usageInfoDictForKey = [this](const QString &key) {
+        return m_monitor.usageInfoDictForKey(key);
+    };
+    if (m_processes != nullptr)
+        state.hold = [this](const QString &pid) { return m_processes->hold(pid, m_listedAt); };
+    return state;
+}
+
+MainMenuState Controller::mainMenuState() const
+{
+    MainMenuState state;
+    state.topDict = m_monitor.topDict();
+    state.processes = processMenuState();
+    if (m_networkMonitor != nullptr && m_networkMonitor->runNettop())
+        state.networkProcesses = m_networkMonitor->topDict();
+    state.hideGraphWindow = m_graphWindows != nullptr && m_graphWindows->hideGraphWindow();
+    state.preferences = preferenceMenuState();
+    return state;
+}
+
 void Controller::menuNeedsUpdate(Menu &menu)
 {
     menu.removeAllItems();
-    menu.addItem(makePreferenceOptionsMenu(preferenceMenuState()));
-    menu.addItem(MenuItem::separatorItem());
-    MenuItem quitItem;
-    quitItem.title = localizedString(QStringLiteral("Quit"));
-    quitItem.action = QStringLiteral("terminate");
-    quitItem.target = ItemTarget::Application;
-    menu.addItem(std::move(quitItem));
+    addMainMenu(menu, mainMenuState());
 }
 
 } // namespace pulsebar

@@ -149,4 +149,10 @@ void Menu::addItemsFromMenu(Menu &other)
     m_items += std::exchange(other.m_items, {});
 }
 
+std::shared_ptr<Menu> Menu::menuForSharingItems(const QVariantList & /*items*/,
+                                                ItemTarget /*target*/, const QString & /*action*/)
+{
+    return nullptr;
+}
+
 } // namespace pulsebar

@@ -81,6 +81,10 @@ public:
     void setStateToAllItem(ItemState state);
     /// Moves every row of `other`, from its first, to the end of this menu.
     void addItemsFromMenu(Menu &other);
+    /// A menu of the system's services that can share `items`. There is no sharing service here, so
+    /// there is no menu either.
+    static std::shared_ptr<Menu> menuForSharingItems(const QVariantList &items, ItemTarget target,
+                                                     const QString &action);
 
 private:
     QString m_title;

@@ -1,5 +1,6 @@
 #include "menu/PreferenceMenu.h"
 
+#include "menu/MenuRows.h"
 #include "util/Localisation.h"
 #include "util/Values.h"
 
@@ -11,27 +12,10 @@ namespace pulsebar {
 
 namespace {
 
-MenuItem actionItem(const QString &title, const QString &action)
-{
-    MenuItem item;
-    item.title = title;
-    item.action = action;
-    item.target = ItemTarget::Controller;
-    return item;
-}
-
 MenuItem checkItem(const QString &key, const QString &action, bool on)
 {
     MenuItem item = actionItem(localizedString(key), action);
     item.state = on ? ItemState::On : ItemState::Off;
-    return item;
-}
-
-MenuItem submenuItem(const QString &key, std::shared_ptr<Menu> submenu)
-{
-    MenuItem item;
-    item.title = localizedString(key);
-    item.submenu = std::move(submenu);
     return item;
 }
 
@@ -71,7 +55,7 @@ MenuItem widthChoice(int current)
     for (int width = kNarrowest; width <= kWidest; width += kStep)
         submenu->addItem(
             valueItem(QString::number(width), QStringLiteral("setItemWidth"), width, current));
-    return submenuItem(key, std::move(submenu));
+    return submenuItem(localizedString(key), std::move(submenu));
 }
 
 struct PanelChoice
@@ -108,18 +92,18 @@ MenuItem makeRefreshTimeMenu(int refreshSec)
     for (int seconds = 1; seconds <= kLongest; ++seconds)
         submenu->addItem(valueItem(secondsText(seconds), QStringLiteral("changeRefreshTime"),
                                    seconds, refreshSec));
-    return submenuItem(QStringLiteral("Refresh Time"), std::move(submenu));
+    return submenuItem(localizedString(QStringLiteral("Refresh Time")), std::move(submenu));
 }
 
 MenuItem makeProcessListMaxMenu(int listMax)
 {
-    return submenuItem(QStringLiteral("Max of List"),
+    return submenuItem(localizedString(QStringLiteral("Max of List")),
                        countMenu(1, QStringLiteral("changeProcessListMax"), listMax));
 }
 
 MenuItem makeNetworkListMaxMenu(qint64 networkMax)
 {
-    return submenuItem(QStringLiteral("Max of Network"),
+    return submenuItem(localizedString(QStringLiteral("Max of Network")),
                        countMenu(0, QStringLiteral("changeNetworkListMax"), networkMax));
 }
 
@@ -164,7 +148,7 @@ MenuItem makeTitleOnPanelMenu(const QString &titleOnPanel)
         item.representedObject = word;
         submenu->addItem(std::move(item));
     }
-    return submenuItem(key, std::move(submenu));
+    return submenuItem(localizedString(key), std::move(submenu));
 }
 
 MenuItem makePreferenceOptionsMenu(const PreferenceMenuState &state)
@@ -187,7 +171,7 @@ MenuItem makePreferenceOptionsMenu(const PreferenceMenuState &state)
                               ItemTarget::Application, QStringLiteral("showManual"));
     submenu->addItem(MenuItem::separatorItem());
     submenu->addItem(makeTitleOnPanelMenu(state.titleOnPanel));
-    return submenuItem(key, std::move(submenu));
+    return submenuItem(localizedString(key), std::move(submenu));
 }
 
 } // namespace pulsebar

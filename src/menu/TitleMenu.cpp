@@ -1,7 +1,10 @@
 #include "menu/TitleMenu.h"
 
+#include "menu/MenuRows.h"
 #include "menu/TitleTypes.h"
 #include "util/Localisation.h"
+
+#include <utility>
 
 namespace pulsebar {
 
@@ -9,10 +12,7 @@ namespace {
 
 MenuItem typeItem(int type, const QString &action, int tag, bool checked)
 {
-    MenuItem item;
-    item.title = localizedString(QStringLiteral("TitleOption_%1").arg(type));
-    item.action = action;
-    item.target = ItemTarget::Controller;
+    MenuItem item = actionItem(localizedString(QStringLiteral("TitleOption_%1").arg(type)), action);
     item.tag = tag;
     item.state = checked ? ItemState::On : ItemState::Off;
     return item;
@@ -67,10 +67,7 @@ MenuItem makeTitleOptionMenu(const TitleMenuState &state)
     addTypes(*submenu, state);
     if (state.titleTypesToDisplay.value(0) == titles::kRotate)
         addMembers(*submenu, state);
-    MenuItem item;
-    item.title = localizedString(QStringLiteral("Top Title"));
-    item.submenu = std::move(submenu);
-    return item;
+    return submenuItem(localizedString(QStringLiteral("Top Title")), std::move(submenu));
 }
 
 } // namespace pulsebar

@@ -93,7 +93,7 @@ QVariant propertyOf(const QObject &holder, QStringView key)
 QVariant walk(QVariant value, QStringView path)
 {
     while (!path.isNull() && value.isValid()) {
-        if (value.typeId() != QMetaType::QVariantMap)
+        if (!isDictionary(value))
             return {};
         const qsizetype dot = path.indexOf(QLatin1Char('.'));
         const QStringView component = dot < 0 ? path : path.left(dot);
@@ -133,6 +133,11 @@ bool boolValue(const QVariant &value)
     if (isReal(type))
         return doubleValue(value) != 0.0;
     return isUnsigned(type) ? value.toULongLong() != 0 : longValue(value) != 0;
+}
+
+bool isDictionary(const QVariant &value)
+{
+    return value.typeId() == QMetaType::QVariantMap;
 }
 
 QVariant valueForKeyPath(const QVariantMap &holder, QStringView path)

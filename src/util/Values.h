@@ -18,6 +18,9 @@ double doubleValue(const QVariant &value);
 /// A number is true when it is not 0; a text as DecimalText.h says.
 bool boolValue(const QVariant &value);
 
+/// Whether the value is a dictionary (a QVariantMap), be it an empty one.
+bool isDictionary(const QVariant &value);
+
 /// The value at a dotted path such as u"NetStatistics.InBytes". Each component is looked up in the
 /// dictionary that the one before it answered; a link that is missing or is no dictionary gives
 /// an invalid value, which is how "nothing" is written everywhere.

@@ -55,6 +55,13 @@ TEST(Menu, SetsTheStateOfEveryRow)
     }
 }
 
+TEST(Menu, HasNoServicesToShareWith)
+{
+    EXPECT_EQ(Menu::menuForSharingItems({QStringLiteral("x")}, ItemTarget::Controller,
+                                        QStringLiteral("share")),
+              nullptr);
+}
+
 TEST(Menu, ComparesBySubmenuContents)
 {
     MenuItem one;

@@ -1,0 +1,169 @@
+#include "menu/MainMenu.h"
+
+#include "MenuReading.h"
+#include "MenuSamples.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace pulsebar {
+namespace {
+
+using reading::deed;
+using reading::titles;
+using reading::titlesBelow;
+using testing::ElementsAre;
+
+MainMenuState fullState()
+{
+    MainMenuState state;
+    state.topDict = {
+        {QStringLiteral("ProcessList"),
+         QVariantList{samples::process(QStringLiteral("12"), QStringLiteral("b")),
+                      samples::process(QStringLiteral("5"), QStringLiteral("a"))}},
+        {QStringLiteral("CPUUsageCoreAverage"), 0.5},
+        {QStringLiteral("EnergyUsageDict"), QVariantMap()},
+        {QStringLiteral("EnergyConsumption"), 2.0F},
+        {QStringLiteral("MemoryStats"), samples::memory()},
+        {QStringLiteral("DiskStatistics"), QVariantList{samples::disk(), samples::disk()}},
+        {QStringLiteral("NetStatistics"), QVariantMap{{QStringLiteral("InBytes"), quint64(1536)},
+                                                      {QStringLiteral("OutBytes"), quint64(20)}}},
+        {QStringLiteral("NetworkInMinuteStats"), samples::record(1, 2, 3)},
+        {QStringLiteral("NetworkOutMinuteStats"), samples::record(4, 5, 6)},
+        {QStringLiteral("diskReadBytesPerSec"), qint64(2048)},
+        {QStringLiteral("diskWriteBytesPerSec"), qint64(10)},
+        {QStringLiteral("BatteryStats"),
+         QVariantMap{{QStringLiteral("BatteryEnabled"), true},
+                     {QStringLiteral("BatteryRemainPercent"), 50.0F}}},
+        {QStringLiteral("topResult"), QStringLiteral("text")}};
+    state.networkProcesses =
+        QVariantMap{{QStringLiteral("n"), samples::traffic(QStringLiteral("n"), 0, 0, 0.0, 0.0)}};
+    state.preferences.networkMax = 5;
+    return state;
+}
+
+Menu built(const MainMenuState &state)
+{
+    Menu menu(QStringLiteral("Pulsebar"));
+    addMainMenu(menu, state);
+    return menu;
+}
+
+const MenuItem &rowTitled(const Menu &menu, const char *title)
+{
+    static const MenuItem none;
+    for (const MenuItem &item : menu.items()) {
+        if (item.title == QString::fromUtf8(title))
+            return item;
+    }
+    ADD_FAILURE() << "no row " << title;
+    return none;
+}
+
+TEST(MainMenu, SectionsInTheirOrder)
+{
+    EXPECT_THAT(titles(built(fullState())),
+                ElementsAre("12.5% : b", "12.5% : a", "-", "\u21930.0B(+0.0B)/\u21910.0B(+0.0B):n",
+                            "-", "CPU Average: 50.0%", "Energy Consumption: 2.0%", "System Memory",
+                            "Disk #1", "Disk #2", "Network In: 1.5KB/sec", "Network Out: 20B/sec",
+                            " Disk Read: 2.0KB/sec", "Disk Write: 10B/sec", "Battery: 50.0%",
+                            "Detailed Information", "-", "Hide Graph", "Preference", "-", "Quit"));
+}
+
+TEST(MainMenu, ASampleThatTellsNothing)
+{
+    EXPECT_THAT(titles(built({})),
+                ElementsAre("-", "CPU Average: 0.0%", "Network In: 0.0B/sec",
+                            "Network Out: 0.0B/sec", " Disk Read: 0.0B/sec", "Disk Write: 0.0B/sec",
+                            "Detailed Information", "-", "Hide Graph", "Preference", "-", "Quit"));
+}
+
+TEST(MainMenu, ValuesOfOtherTypes)
+{
+    MainMenuState state;
+    for (const char *key :
+         {"ProcessList", "CPUUsage", "CPUUsageCoreAverage", "EnergyUsageDict", "MemoryStats",
+          "DiskStatistics", "NetStatistics", "NetworkInMinuteStats", "BatteryStats", "topResult"})
+        state.topDict.insert(QString::fromLatin1(key), QStringLiteral("odd"));
+    EXPECT_EQ(titles(built(state)), titles(built({})));
+    for (const char *key : {"ProcessList", "EnergyUsageDict", "BatteryStats"})
+        state.topDict.insert(QString::fromLatin1(key), QVariantList{1, QStringLiteral("x")});
+    EXPECT_EQ(titles(built(state)), titles(built({})));
+}
+
+TEST(MainMenu, AnEmptyEntryIsNoProcess)
+{
+    MainMenuState state;
+    state.topDict.insert(
+        QStringLiteral("ProcessList"),
+        QVariantList{samples::process(QStringLiteral("12"), QStringLiteral("b")), QVariantMap()});
+    EXPECT_EQ(titles(built(state)).size(), titles(built({})).size() + 1);
+}
+
+TEST(MainMenu, TrafficIsSilentlyAbsent)
+{
+    MainMenuState state = fullState();
+    state.networkProcesses.reset();
+    EXPECT_EQ(titles(built(state)).size(), titles(built(fullState())).size() - 2);
+    // A monitor that runs but has seen nobody leaves its line.
+    state.networkProcesses = QVariantMap();
+    EXPECT_EQ(titles(built(state)).size(), titles(built(fullState())).size() - 1);
+}
+
+TEST(MainMenu, RatesChooseTheTitle)
+{
+    const Menu menu = built(fullState());
+    const MenuItem &in = rowTitled(menu, "Network In: 1.5KB/sec");
+    EXPECT_EQ(deed(in), "changeTitleToDisplayType > controller #2");
+    EXPECT_EQ(in.submenu->title(), QStringLiteral("Network__NetworkInMinuteStats"));
+    EXPECT_THAT(titlesBelow(in), ElementsAre("Average: 1.0B", "Maximum: 2.0B", "Minimum: 3.0B"));
+    const MenuItem &out = rowTitled(menu, "Network Out: 20B/sec");
+    EXPECT_EQ(deed(out), "changeTitleToDisplayType > controller #3");
+    EXPECT_EQ(out.submenu->title(), QStringLiteral("Network__NetworkOutMinuteStats"));
+    EXPECT_THAT(titlesBelow(out), ElementsAre("Average: 4.0B", "Maximum: 5.0B", "Minimum: 6.0B"));
+    const MenuItem &read = rowTitled(menu, " Disk Read: 2.0KB/sec");
+    EXPECT_EQ(deed(read), "changeTitleToDisplayType > controller #5");
+    EXPECT_EQ(read.submenu, nullptr);
+    const MenuItem &written = rowTitled(menu, "Disk Write: 10B/sec");
+    EXPECT_EQ(deed(written), "changeTitleToDisplayType > controller #6");
+    EXPECT_EQ(written.submenu, nullptr);
+}
+
+TEST(MainMenu, RatesWithoutRecordsHaveNoSubmenu)
+{
+    const Menu menu = built({});
+    EXPECT_EQ(rowTitled(menu, "Network In: 0.0B/sec").submenu, nullptr);
+    EXPECT_EQ(rowTitled(menu, "Network Out: 0.0B/sec").submenu, nullptr);
+}
+
+TEST(MainMenu, BatteryOnlyWhenThereIsOne)
+{
+    MainMenuState state = fullState();
+    state.topDict.insert(QStringLiteral("BatteryStats"),
+                         QVariantMap{{QStringLiteral("BatteryRemainPercent"), 50.0F}});
+    EXPECT_EQ(titles(built(state)).size(), titles(built(fullState())).size() - 1);
+}
+
+TEST(MainMenu, GraphsAndTheEnd)
+{
+    MainMenuState state;
+    Menu menu = built(state);
+    const MenuItem &shown = rowTitled(menu, "Hide Graph");
+    EXPECT_EQ(deed(shown), "switchGraphWindow > controller #101");
+    EXPECT_EQ(shown.state, ItemState::Off);
+    state.hideGraphWindow = true;
+    menu = built(state);
+    EXPECT_EQ(rowTitled(menu, "Hide Graph").state, ItemState::On);
+    EXPECT_EQ(deed(menu.items().constLast()), "terminate > application");
+}
+
+TEST(MainMenu, AppendsToWhatIsThere)
+{
+    Menu menu;
+    menu.addDummyItemWithTitle(QStringLiteral("first"), ItemTarget::None);
+    addMainMenu(menu, {});
+    EXPECT_EQ(menu.items()[0].title, QStringLiteral("first"));
+}
+
+} // namespace
+} // namespace pulsebar
