@@ -17,6 +17,7 @@
 #include "statusitem/PanelStatusItem.h"
 #include "views/DetailWindow.h"
 #include "views/MenuViews.h"
+#include "views/QuestionBoxes.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -80,12 +81,27 @@ private:
                               endProgram};
         parts.processes = m_platform->processes.get();
         parts.showDetailWindow = [this] { m_detailWindow.show(); };
+        parts.processActions = processActions();
         parts.loginItems = m_platform->loginItems.get();
         parts.application = &m_application;
         parts.applicationPath = [] {
             return lastingProgramPath(QCoreApplication::applicationFilePath(),
                                       QCoreApplication::arguments().value(0), qgetenv("PATH"));
         };
+        return parts;
+    }
+
+    ProcessActionParts processActions()
+    {
+        ProcessActionParts parts;
+        parts.services = {m_platform->processes.get(), m_platform->processTable.get(),
+                          m_platform->workspace.get(), m_desktop.applicationWindows.get()};
+        parts.fileViewer = m_desktop.fileViewer.get();
+        parts.administratorRights = m_desktop.administratorRights.get();
+        parts.ask = [this](const Question &question, std::function<void(bool)> answer) {
+            m_questions.ask(question, std::move(answer));
+        };
+        parts.opener = m_desktop.urlOpener.get();
         return parts;
     }
 
@@ -128,6 +144,7 @@ private:
     PanelStatusItem m_statusItem;
     TopMonitor m_monitor;
     DetailWindow m_detailWindow;
+    QuestionBoxes m_questions;
     ApplicationUtility m_application;
     Controller m_controller;
     Scripting m_scripting;

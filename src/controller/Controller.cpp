@@ -58,6 +58,7 @@ Controller::Controller(const ControllerParts &parts)
     , m_terminate(parts.terminate)
     , m_showDetailWindow(parts.showDetailWindow)
     , m_titles(parts.monitor, parts.statusItem, parts.programImage)
+    , m_processActions(parts.monitor, parts.processActions)
 {
     m_titles.setWidthListener(
         [this] { Q_EMIT itemWidthChanged(static_cast<double>(m_titles.itemWidth())); });
@@ -217,6 +218,11 @@ Controller::Action Controller::actionNamed(const QString &name)
         {QStringLiteral("switchGraphWindow"), &Controller::switchGraphWindow},
         {QStringLiteral("dummy"), &Controller::dummy},
         {QStringLiteral("showDetailWindow"), &Controller::showDetailWindow},
+        {QStringLiteral("chooseProcess"), &Controller::chooseProcess},
+        {QStringLiteral("showProcessInFinder"), &Controller::showProcessInFinder},
+        {QStringLiteral("quitProcess"), &Controller::quitProcess},
+        {QStringLiteral("killProcess"), &Controller::killProcess},
+        {QStringLiteral("killProcessAsRoot"), &Controller::killProcessAsRoot},
         {QStringLiteral("terminate"), &Controller::terminate},
     };
     return actions.value(name, nullptr);
@@ -260,6 +266,31 @@ void Controller::showDetailWindow(const Choice & /*choice*/)
 {
     if (m_showDetailWindow)
         m_showDetailWindow();
+}
+
+void Controller::chooseProcess(const Choice &choice)
+{
+    m_processActions.chooseProcess(choice.item);
+}
+
+void Controller::showProcessInFinder(const Choice &choice)
+{
+    m_processActions.showProcessInFinder(choice.menu, choice.item);
+}
+
+void Controller::quitProcess(const Choice &choice)
+{
+    m_processActions.quitProcess(choice.menu, choice.item, choice.modifiers);
+}
+
+void Controller::killProcess(const Choice &choice)
+{
+    m_processActions.killProcess(choice.menu, choice.item);
+}
+
+void Controller::killProcessAsRoot(const Choice &choice)
+{
+    m_processActions.killProcessAsRoot(choice.menu, choice.item);
 }
 
 void Controller::terminate(const Choice & /*choice*/)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "controller/ProcessActions.h"
 #include "controller/Titles.h"
 #include "menu/MainMenu.h"
 #include "statusitem/StatusItem.h"
@@ -36,6 +37,7 @@ struct ControllerParts
     std::function<QString()> applicationPath = [] { return QString(); };
     /// Opens the window with the newest raw report; may be empty.
     std::function<void()> showDetailWindow = {};
+    ProcessActionParts processActions = {};
 };
 
 /// Ties the monitor, the status item and the settings together: starts them in order, shows every
@@ -123,6 +125,11 @@ private:
     void switchGraphWindow(const Choice &choice);
     void dummy(const Choice &choice);
     void showDetailWindow(const Choice &choice);
+    void chooseProcess(const Choice &choice);
+    void showProcessInFinder(const Choice &choice);
+    void quitProcess(const Choice &choice);
+    void killProcess(const Choice &choice);
+    void killProcessAsRoot(const Choice &choice);
     void terminate(const Choice &choice);
 
     void showGraphViewForKey(const QString &key);
@@ -140,6 +147,7 @@ private:
     std::function<void()> m_terminate;
     std::function<void()> m_showDetailWindow;
     Titles m_titles;
+    ProcessActions m_processActions;
     TitleOnPanel m_titleOnPanel = TitleOnPanel::Automatic;
     bool m_showIcon = false;
     qint64 m_networkMax = 0;

@@ -72,7 +72,7 @@ public:
     PkexecRun &operator=(const PkexecRun &) = delete;
 
 private:
-    void report(const std::function<void()> &ended) const
+    void report(const std::function<void()> &ended)
     {
         if (m_process->error() == QProcess::FailedToStart)
             qCWarning(logRights) << "the administrator cannot be asked:"
@@ -82,10 +82,11 @@ private:
             qCWarning(logRights) << "the administrator's rights were not given, pkexec answered"
                                  << m_process->exitCode();
         // Not from within the start, and not from within the process's own signal.
-        QTimer::singleShot(0, m_process, ended);
+        QTimer::singleShot(0, &m_context, ended);
     }
 
     QProcess *m_process;
+    QObject m_context; ///< what is told later is told as long as this object is there
 };
 
 class PkexecRights : public AdministratorRights
