@@ -23,6 +23,7 @@
 #include <QIcon>
 #include <QLoggingCategory>
 #include <QPoint>
+#include <QSessionManager>
 
 #include <array>
 #include <cstdio>
@@ -209,6 +210,20 @@ struct ToolkitArguments
     std::array<char *, 4> words;
 };
 
+/// At the end of the desktop session the preferences are saved. Whether the program is started with
+/// the next one is for the login items to say, not for the session's memory of what ran.
+void followSession(QApplication &application, Controller &controller)
+{
+    const auto takePart = [&controller](QSessionManager &session) {
+        session.setRestartHint(QSessionManager::RestartNever);
+        controller.save();
+    };
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &controller, takePart,
+                     Qt::DirectConnection);
+    QObject::connect(&application, &QGuiApplication::saveStateRequest, &controller, takePart,
+                     Qt::DirectConnection);
+}
+
 int runProgram(QApplication &application)
 {
     Program program;
@@ -221,8 +236,7 @@ int runProgram(QApplication &application)
                      &endProgram);
     Controller &controller = program.controller();
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &controller, &Controller::save);
-    QObject::connect(&application, &QGuiApplication::commitDataRequest, &controller,
-                     &Controller::save);
+    followSession(application, controller);
     controllerToSave = &controller;
     std::atexit(saveAtExit);
 

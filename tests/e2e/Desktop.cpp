@@ -100,6 +100,11 @@ void Process::signal(int number) const
     ::kill(static_cast<pid_t>(pid()), number);
 }
 
+void Process::say(const QByteArray &line)
+{
+    m_process.write(line + '\n');
+}
+
 int Process::waitForEnd()
 {
     const bool ended = waitFor([this] { return m_process.state() == QProcess::NotRunning; });

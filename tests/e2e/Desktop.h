@@ -32,6 +32,8 @@ public:
     QString output() const { return QString::fromUtf8(m_output); }
     QString log() const { return QString::fromUtf8(m_log); }
     void signal(int number) const;
+    /// Writes a line to its standard input.
+    void say(const QByteArray &line);
     /// @return the exit status; -1 when it did not end, or by a signal
     int waitForEnd();
 
