@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # What an installed tree holds, and that the programs in it run from wherever it was put.
-# usage: install_test.sh CMAKE BUILD_DIR
+# usage: install_test.sh CMAKE BUILD_DIR CHECK_MANUAL
 set -euo pipefail
 cmake=$1
 build=$2
+check_manual=$3
 
 fail() { echo "FAIL: $*" >&2; exit 1; }
 
@@ -17,7 +18,8 @@ for file in bin/pulsebar bin/pulsebarctl libexec/pulsebar/pulsebar-top \
     share/icons/hicolor/{16x16,22x22,24x24,32x32,48x48,64x64,128x128,256x256}/apps/org.pulsebar.Pulsebar.png \
     share/icons/hicolor/scalable/apps/org.pulsebar.Pulsebar.svg \
     share/icons/hicolor/symbolic/apps/org.pulsebar.Pulsebar-symbolic.svg \
-    share/man/man1/{pulsebar,pulsebarctl,pulsebar-top}.1; do
+    share/man/man1/{pulsebar,pulsebarctl,pulsebar-top}.1 \
+    share/pulsebar/manual/index.html share/doc/pulsebar/README.md; do
     [ -s "$root/$file" ] || fail "not installed: $file"
 done
 
@@ -27,6 +29,8 @@ for size in 16 22 24 32 48 64 128 256; do
         "$root/share/icons/hicolor/${size}x${size}/apps/org.pulsebar.Pulsebar.png")
     [ "$width $height" = "$size $size" ] || fail "the icon for $size has $width x $height pixels"
 done
+
+"$check_manual" "$root/share/pulsebar/manual" || fail "the installed manual is not whole"
 
 "$root/bin/pulsebar" --version | grep -q '^pulsebar [0-9]' || fail "pulsebar --version"
 "$root/libexec/pulsebar/pulsebar-top" -l 1 -u -n 3 -s 1 -R -stats pid,command,cpu | grep -q '%CPU' ||
