@@ -1,7 +1,7 @@
 #include "controller/ApplicationUtility.h"
 #include "controller/Settings.h"
-#include "platform/SystemFacts.h"
 #include "platform/UrlOpener.h"
+#include "support/FakeSources.h"
 #include "support/QtPrinting.h"
 
 #include <QFile>
@@ -28,18 +28,6 @@ public:
     QByteArrayList opened;
 };
 
-class FakeFacts : public SystemFacts
-{
-public:
-    std::optional<std::string> text(int) const override { return std::nullopt; }
-    std::optional<std::int64_t> number(int) const override { return std::nullopt; }
-    std::optional<std::int64_t> numberByName(std::string_view name) const override
-    {
-        return name == "hw.physicalcpu" ? cores : std::nullopt;
-    }
-    std::optional<std::int64_t> cores;
-};
-
 TEST(ApplicationVersionNumber, GrowsWithTheVersion)
 {
     EXPECT_EQ(applicationVersionNumber(s("1.0.1"), s("9")), 101);
@@ -60,14 +48,12 @@ TEST(ApplicationVersionNumber, TheShortVersionStandsIn)
 
 TEST(NumOfProcessorCores, OneWhenItCannotBeTold)
 {
-    FakeFacts facts;
+    fakes::FactsAnswer facts;
     EXPECT_EQ(numOfProcessorCores(facts), 1);
-    facts.cores = 0;
-    EXPECT_EQ(numOfProcessorCores(facts), 1);
-    facts.cores = 1LL << 40;
-    EXPECT_EQ(numOfProcessorCores(facts), 1);
-    facts.cores = 6;
-    EXPECT_EQ(numOfProcessorCores(facts), 6);
+    for (const auto &[told, cores] : {std::pair{0LL, 1}, {-4LL, 1}, {1LL << 40, 1}, {6LL, 6}}) {
+        facts.named["hw.physicalcpu"] = told;
+        EXPECT_EQ(numOfProcessorCores(facts), cores) << told;
+    }
 }
 
 class ApplicationUtilityTest : public testing::Test

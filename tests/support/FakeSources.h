@@ -101,6 +101,7 @@ struct FactsAnswer : SystemFacts
 {
     std::map<int, std::string> texts;
     std::map<int, std::int64_t> numbers;
+    std::map<std::string, std::int64_t, std::less<>> named;
     std::optional<std::string> text(int selector) const override
     {
         const auto found = texts.find(selector);
@@ -110,6 +111,11 @@ struct FactsAnswer : SystemFacts
     {
         const auto found = numbers.find(selector);
         return found == numbers.end() ? std::nullopt : std::optional(found->second);
+    }
+    std::optional<std::int64_t> numberByName(std::string_view name) const override
+    {
+        const auto found = named.find(name);
+        return found == named.end() ? std::nullopt : std::optional(found->second);
     }
 };
 
