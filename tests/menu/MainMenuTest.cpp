@@ -6,6 +6,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <limits>
+
 namespace pulsebar {
 namespace {
 
@@ -22,6 +25,7 @@ MainMenuState fullState()
          QVariantList{samples::process(QStringLiteral("12"), QStringLiteral("b")),
                       samples::process(QStringLiteral("5"), QStringLiteral("a"))}},
         {QStringLiteral("CPUUsageCoreAverage"), 0.5},
+        {QStringLiteral("CPUUsage"), QVariantList{samples::core(0.5, 0.1)}},
         {QStringLiteral("EnergyUsageDict"), QVariantMap()},
         {QStringLiteral("EnergyConsumption"), 2.0F},
         {QStringLiteral("MemoryStats"), samples::memory()},
@@ -89,6 +93,68 @@ TEST(MainMenu, ValuesOfOtherTypes)
     for (const char *key : {"ProcessList", "EnergyUsageDict", "BatteryStats"})
         state.topDict.insert(QString::fromLatin1(key), QVariantList{1, QStringLiteral("x")});
     EXPECT_EQ(titles(built(state)), titles(built({})));
+}
+
+/// Hands on the value with each of its parts, and the whole, replaced by `odd`, one at a time.
+void withEachPartReplaced(const QVariant &whole, const QVariant &odd,
+                          const std::function<void(const QVariant &)> &use)
+{
+    use(odd);
+    const QVariantMap map = whole.toMap();
+    for (auto part = map.begin(); part != map.end(); ++part) {
+        withEachPartReplaced(part.value(), odd, [&](const QVariant &replaced) {
+            QVariantMap changed = map;
+            changed.insert(part.key(), replaced);
+            use(changed);
+        });
+    }
+    const QVariantList list = whole.toList();
+    for (qsizetype i = 0; i < list.size(); ++i) {
+        withEachPartReplaced(list[i], odd, [&](const QVariant &replaced) {
+            QVariantList changed = list;
+            changed[i] = replaced;
+            use(changed);
+        });
+    }
+}
+
+TEST(MainMenu, AnyValueAnywhere)
+{
+    using Real = std::numeric_limits<double>;
+    MainMenuState state = fullState();
+    state.processes.monitorProcessUsage = true;
+    state.processes.usageInfoDictForKey = [](const QString & /*key*/) {
+        return QVariantMap{{QStringLiteral("usageInfo"), samples::record(1, 2, 3)}};
+    };
+    const QVariant topDict = state.topDict;
+    const QVariant network = *state.networkProcesses;
+    int built = 0;
+    const auto build = [&built, &state] {
+        Menu menu;
+        addMainMenu(menu, state);
+        ++built;
+        ASSERT_GE(menu.items().size(), 12);
+        EXPECT_EQ(menu.items().constLast().title, QStringLiteral("Quit"));
+    };
+    for (const QVariant &odd :
+         {QVariant(), QVariant(-1), QVariant(true), QVariant(std::numeric_limits<quint64>::max()),
+          QVariant(std::numeric_limits<qint64>::min()), QVariant(Real::quiet_NaN()),
+          QVariant(Real::infinity()), QVariant(-Real::max()), QVariant(QString()),
+          QVariant(QStringLiteral("%@ %n // __")), QVariant(QByteArray("x")),
+          QVariant(QVariantList{QVariantMap(), 1}),
+          QVariant(QVariantMap{{QString(), QVariantList{1}}})}) {
+        withEachPartReplaced(topDict, odd, [&](const QVariant &changed) {
+            state.topDict = changed.toMap();
+            build();
+        });
+        state.topDict = topDict.toMap();
+        withEachPartReplaced(network, odd, [&](const QVariant &changed) {
+            state.networkProcesses = changed.toMap();
+            build();
+        });
+        state.networkProcesses = network.toMap();
+    }
+    EXPECT_GT(built, 1000);
 }
 
 TEST(MainMenu, AnEmptyEntryIsNoProcess)
