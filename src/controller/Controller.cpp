@@ -1,14 +1,10 @@
 #include "controller/Controller.h"
 
 #include "controller/ApplicationUtility.h"
-#include "controller/GraphWindows.h"
 #include "controller/Settings.h"
 #include "controller/TitleTexts.h"
 #include "engine/TopMonitor.h"
 #include "platform/Processes.h"
-#include "util/Text.h"
-
-#include <QHash>
 
 #include <array>
 
@@ -196,106 +192,6 @@ void Controller::openMenu()
 void Controller::quit()
 {
     m_terminate();
-}
-
-Controller::Action Controller::actionNamed(const QString &name)
-{
-    static const QHash<QString, Action> actions{
-        {QStringLiteral("switchCheckMemory"), &Controller::switchCheckMemory},
-        {QStringLiteral("switchSortByMemory"), &Controller::switchSortByMemory},
-        {QStringLiteral("changeTitleToDisplayType"), &Controller::changeTitleToDisplayType},
-        {QStringLiteral("changeToggleTitleOption"), &Controller::changeToggleTitleOption},
-        {QStringLiteral("changeRefreshTime"), &Controller::changeRefreshTime},
-        {QStringLiteral("changeProcessListMax"), &Controller::changeProcessListMax},
-        {QStringLiteral("changeNetworkListMax"), &Controller::changeNetworkListMax},
-        {QStringLiteral("switchShowIcon"), &Controller::switchShowIcon},
-        {QStringLiteral("switchFahrenheit"), &Controller::switchFahrenheit},
-        {QStringLiteral("switchAutoLaunch"), &Controller::switchAutoLaunch},
-        {QStringLiteral("setItemWidth"), &Controller::setItemWidth},
-        {QStringLiteral("showManual"), &Controller::showManual},
-        {QStringLiteral("changeTitleOnPanel"), &Controller::changeTitleOnPanel},
-        {QStringLiteral("showGraphView"), &Controller::showGraphView},
-        {QStringLiteral("switchGraphWindow"), &Controller::switchGraphWindow},
-        {QStringLiteral("dummy"), &Controller::dummy},
-        {QStringLiteral("showDetailWindow"), &Controller::showDetailWindow},
-        {QStringLiteral("chooseProcess"), &Controller::chooseProcess},
-        {QStringLiteral("showProcessInFinder"), &Controller::showProcessInFinder},
-        {QStringLiteral("quitProcess"), &Controller::quitProcess},
-        {QStringLiteral("killProcess"), &Controller::killProcess},
-        {QStringLiteral("killProcessAsRoot"), &Controller::killProcessAsRoot},
-        {QStringLiteral("terminate"), &Controller::terminate},
-    };
-    return actions.value(name, nullptr);
-}
-
-void Controller::performAction(const Menu &menu, const MenuItem &item,
-                               Qt::KeyboardModifiers modifiers)
-{
-    const Action action = actionNamed(item.action);
-    if (action != nullptr)
-        (this->*action)({menu, item, modifiers});
-}
-
-void Controller::showGraphView(const Choice &choice)
-{
-    showGraphViewForKey(choice.menu.title());
-}
-
-void Controller::switchGraphWindow(const Choice & /*choice*/)
-{
-    if (m_graphWindows != nullptr)
-        m_graphWindows->switchGraphWindow();
-}
-
-void Controller::dummy(const Choice &choice)
-{
-    const QString &title = choice.item.title;
-    if (!title.startsWith(QLatin1String("Core #")))
-        return;
-    if (const Text number = substringFromTo(title, QStringLiteral("#"), QStringLiteral(":")))
-        showGraphViewForKey(QStringLiteral("CPU") + *number);
-}
-
-void Controller::showGraphViewForKey(const QString &key)
-{
-    if (m_graphWindows != nullptr)
-        m_graphWindows->showGraphViewForKey(key);
-}
-
-void Controller::showDetailWindow(const Choice & /*choice*/)
-{
-    if (m_showDetailWindow)
-        m_showDetailWindow();
-}
-
-void Controller::chooseProcess(const Choice &choice)
-{
-    m_processActions.chooseProcess(choice.item);
-}
-
-void Controller::showProcessInFinder(const Choice &choice)
-{
-    m_processActions.showProcessInFinder(choice.menu, choice.item);
-}
-
-void Controller::quitProcess(const Choice &choice)
-{
-    m_processActions.quitProcess(choice.menu, choice.item, choice.modifiers);
-}
-
-void Controller::killProcess(const Choice &choice)
-{
-    m_processActions.killProcess(choice.menu, choice.item);
-}
-
-void Controller::killProcessAsRoot(const Choice &choice)
-{
-    m_processActions.killProcessAsRoot(choice.menu, choice.item);
-}
-
-void Controller::terminate(const Choice & /*choice*/)
-{
-    quit();
 }
 
 } // namespace pulsebar

@@ -19,7 +19,6 @@ using reading::titles;
 using reading::titlesBelow;
 using testing::Each;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 TEST(StatisticsRows, ShowARecordInItsUnit)
 {

@@ -17,7 +17,6 @@ using reading::titles;
 using reading::titlesBelow;
 using testing::Each;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
 QVariantMap holding(const char *key, const QVariant &value)

@@ -18,7 +18,6 @@ using reading::titlesBelow;
 using samples::traffic;
 using testing::Each;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 QVariantMap byName(const QVector<QVariantMap> &entries)
 {
