@@ -6,6 +6,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QSlider>
+#include <QStyle>
 
 #include <utility>
 
@@ -49,6 +50,10 @@ WidthSliderView::WidthSliderView(int width, std::function<void(int width)> moved
     label->setBuddy(m_slider);
 
     auto *row = new QHBoxLayout(this);
+    // In line with the titles of the other rows, which leave room for marks.
+    QMargins margins = row->contentsMargins();
+    margins.setLeft(style()->pixelMetric(QStyle::PM_SmallIconSize) + margins.left());
+    row->setContentsMargins(margins);
     row->addWidget(label);
     row->addWidget(m_slider, 1);
     // The menu hands the focus to the row as a whole.

@@ -22,6 +22,7 @@ constexpr const char *kBusConfiguration =
 <busconfig>
   <type>session</type>
   <listen>unix:dir=%1</listen>
+  <servicedir>%1/services</servicedir>
   <auth>EXTERNAL</auth>
   <policy context="default">
     <allow send_destination="*" eavesdrop="true"/>
@@ -111,7 +112,7 @@ int Process::waitForEnd()
     return ended && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
 }
 
-Desktop::Desktop()
+Desktop::Desktop(const DesktopOptions &options)
 {
     m_environment.insert(QStringLiteral("PATH"), m_folder.filePath(QStringLiteral("bin")) + u':' +
                                                      qEnvironmentVariable("PATH"));
@@ -130,8 +131,8 @@ Desktop::Desktop()
         m_environment.insert(QStringLiteral("XDG_") + QLatin1String(name), folder);
     }
     installOpener();
-    startBus();
-    startDisplay();
+    startBus(options.services);
+    startDisplay(options.screen);
 }
 
 Desktop::~Desktop()
@@ -156,8 +157,13 @@ QStringList Desktop::openedUrls() const
     return QString::fromUtf8(notes.readAll()).split(u'\n', Qt::SkipEmptyParts);
 }
 
-void Desktop::startBus()
+void Desktop::startBus(const QStringList &services)
 {
+    const QDir folder(m_folder.filePath(QStringLiteral("services")));
+    folder.mkpath(folder.path());
+    for (const QString &service : services)
+        QFile::link(QStringLiteral("/usr/share/dbus-1/services/%1.service").arg(service),
+                    folder.filePath(service + QStringLiteral(".service")));
     const QString configuration = m_folder.filePath(QStringLiteral("bus.conf"));
     writeFile(configuration, QString::fromLatin1(kBusConfiguration).arg(m_folder.path()).toUtf8());
     const QString address =
@@ -171,13 +177,13 @@ void Desktop::startBus()
         throw std::runtime_error("the test's bus cannot be reached");
 }
 
-void Desktop::startDisplay()
+void Desktop::startDisplay(QSize screen)
 {
-    const QString number =
-        startServer(m_xServer, QStringLiteral("Xvfb"),
-                    {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
-                     QStringLiteral("0"), QStringLiteral("800x600x24"), QStringLiteral("-nolisten"),
-                     QStringLiteral("tcp")});
+    const QString number = startServer(
+        m_xServer, QStringLiteral("Xvfb"),
+        {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
+         QStringLiteral("0"), QStringLiteral("%1x%2x24").arg(screen.width()).arg(screen.height()),
+         QStringLiteral("-nolisten"), QStringLiteral("tcp")});
     m_environment.insert(QStringLiteral("DISPLAY"), u':' + number);
 }
 

@@ -4,6 +4,7 @@
 #include <QDBusMessage>
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <QSize>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -43,11 +44,19 @@ private:
     QByteArray m_log;
 };
 
+/// What a test wants its desktop to be like.
+struct DesktopOptions
+{
+    QSize screen{800, 600};
+    /// Names of services of this system that the bus may start; otherwise it starts none.
+    QStringList services = {};
+};
+
 /// A display, a session bus and a home of their own for one test.
 class Desktop
 {
 public:
-    Desktop();
+    explicit Desktop(const DesktopOptions &options = {});
     ~Desktop();
 
     /// The bus as the test sees it.
@@ -71,8 +80,8 @@ public:
 
 private:
     void installOpener();
-    void startBus();
-    void startDisplay();
+    void startBus(const QStringList &services);
+    void startDisplay(QSize screen);
 
     QTemporaryDir m_folder;
     QProcessEnvironment m_environment;
