@@ -11,7 +11,6 @@ namespace pulsebar {
 namespace {
 
 using reading::deeds;
-using reading::titles;
 using reading::titlesBelow;
 using samples::process;
 using testing::ElementsAre;
