@@ -120,7 +120,7 @@ TEST_F(PreferencesTest, TheSamplerTakesEveryRefreshTime)
                             s("5 Seconds")};
     EXPECT_EQ(look({s("Refresh Time")}).labels(), times);
     for (const int seconds : {2, 3, 4, 5, 1}) {
-        const QString title = times[seconds - 1];
+        const QString &title = times.at(seconds - 1);
         EXPECT_TRUE(choose({s("Refresh Time"), title}));
         EXPECT_TRUE(samplerGets(qPrintable(s(" -s %1 ").arg(seconds))))
             << samplerCommand().toStdString();

@@ -33,7 +33,7 @@ protected:
 
     QString makeProgram(const QString &name)
     {
-        const QString path = m_home.filePath(name);
+        QString path = m_home.filePath(name);
         QDir().mkpath(QFileInfo(path).path());
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly)) << path.toStdString();

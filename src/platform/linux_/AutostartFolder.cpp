@@ -63,7 +63,7 @@ QString programOf(const std::string &word, const QByteArray &searchPath)
     if (program.contains(u'/'))
         return program;
     for (const QByteArray &folder : searchPath.split(':')) {
-        const QString path = QFile::decodeName(folder) + u'/' + program;
+        QString path = QFile::decodeName(folder) + u'/' + program;
         if (folder.startsWith('/') && isProgram(path))
             return path;
     }
