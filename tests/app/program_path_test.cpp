@@ -77,6 +77,14 @@ TEST_F(ProgramPathTest, ALinkInThePathOutlivesTheFolderWithAVersion)
     EXPECT_EQ(lastingProgramPath(program, program, searchPath()), link);
 }
 
+TEST_F(ProgramPathTest, OfTwoInstalledProgramsItIsTheOneThatRuns)
+{
+    makeFile(s("local/bin/pulsebar"));
+    const QString program = makeFile(s("opt/pulsebar-0.1/bin/pulsebar"));
+    const QString link = makeLink(s("usr/bin/pulsebar"), program);
+    EXPECT_EQ(lastingProgramPath(program, program, searchPath()), link);
+}
+
 TEST_F(ProgramPathTest, ALinkThatItWasStartedByOutlivesItToo)
 {
     const QString program = makeFile(s("opt/pulsebar-0.1/bin/pulsebar"));
