@@ -134,6 +134,15 @@ void ask(const X11Screen &screen, xcb_window_t window, const char *what,
     screen.sendMessage(screen.screen().root, toWindowManager, window, screen.atom(what), data);
 }
 
+/// Waits until the server has taken everything: what is still on its way when the connection ends
+/// may be lost.
+void finish(const X11Screen &screen)
+{
+    xcb_connection_t *connection = screen.connection();
+    const XcbReply<xcb_get_input_focus_reply_t> reply(
+        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+}
+
 /// Connects for each question: they are rare, and a connection costs both sides memory.
 class X11ApplicationWindows : public ApplicationWindows
 {
@@ -162,7 +171,7 @@ public:
         for (const xcb_window_t window : own)
             ask(*screen, window, "_NET_RESTACK_WINDOW", {fromUser, XCB_NONE, above});
         ask(*screen, own.back(), "_NET_ACTIVE_WINDOW", {fromUser, XCB_CURRENT_TIME, XCB_NONE});
-        xcb_flush(screen->connection());
+        finish(*screen);
         return true;
     }
 
@@ -182,7 +191,7 @@ public:
                                 {deleteWindow, XCB_CURRENT_TIME});
             asked = true;
         }
-        xcb_flush(screen->connection());
+        finish(*screen);
         return asked;
     }
 };
