@@ -183,7 +183,9 @@ void Desktop::startDisplay(QSize screen)
         m_xServer, QStringLiteral("Xvfb"),
         {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
          QStringLiteral("0"), QStringLiteral("%1x%2x24").arg(screen.width()).arg(screen.height()),
-         QStringLiteral("-nolisten"), QStringLiteral("tcp")});
+         QStringLiteral("-nolisten"), QStringLiteral("tcp"),
+         // Else the server starts afresh whenever its last client leaves.
+         QStringLiteral("-noreset")});
     m_environment.insert(QStringLiteral("DISPLAY"), u':' + number);
 }
 
