@@ -1,5 +1,4 @@
 #include "e2e/Desktop.h"
-#include "e2e/acting/WindowManager.h"
 #include "platform/linux_/LinuxProcesses.h"
 #include "platform/linux_/desktop/LinuxDesktop.h"
 
@@ -27,101 +26,6 @@ TEST(ReusedNumber, NobodyIsTakenForAnother)
     Process helper(QStringLiteral("unshare"), arguments, QProcessEnvironment::systemEnvironment());
     EXPECT_EQ(helper.waitForEnd(), 0) << helper.log().toStdString();
     EXPECT_EQ(helper.output().toStdString(), "");
-}
-
-/// A display with a window manager, and windows on it.
-class WindowsTest : public testing::Test
-{
-protected:
-    WindowsTest()
-    {
-        qputenv("DISPLAY", m_desktop.environment().value(QStringLiteral("DISPLAY")).toUtf8());
-        m_windows = makeApplicationWindows();
-    }
-    ~WindowsTest() override { qunsetenv("DISPLAY"); }
-
-    std::unique_ptr<Process> open(const QStringList &arguments)
-    {
-        auto program = std::make_unique<Process>(QStringLiteral(X_WINDOWS), arguments,
-                                                 m_desktop.environment());
-        EXPECT_TRUE(
-            waitFor([&program] { return program->output().startsWith(QStringLiteral("ready")); }));
-        const bool isDock = arguments.contains(QStringLiteral("dock"));
-        EXPECT_TRUE(isDock ||
-                    waitFor([&] { return m_windows->owners().contains(program->pid()); }));
-        return program;
-    }
-    /// Who has the window that the user works with.
-    QString activeTitle()
-    {
-        Process xdotool(QStringLiteral("xdotool"),
-                        {QStringLiteral("getactivewindow"), QStringLiteral("getwindowname")},
-                        m_desktop.environment());
-        xdotool.waitForEnd();
-        return xdotool.output().trimmed();
-    }
-
-    Desktop m_desktop;
-    WindowManager m_manager{m_desktop};
-    std::unique_ptr<ApplicationWindows> m_windows;
-};
-
-TEST_F(WindowsTest, AreRaisedByTheProcessThatOwnsThem)
-{
-    const auto first = open({QStringLiteral("first"), QStringLiteral("2")});
-    const auto second = open({QStringLiteral("second"), QStringLiteral("1")});
-    EXPECT_TRUE(m_windows->raise(second->pid()));
-    EXPECT_TRUE(waitFor([this] { return activeTitle() == QLatin1String("second"); }));
-    EXPECT_TRUE(m_windows->raise(first->pid()));
-    EXPECT_TRUE(waitFor([this] { return activeTitle() == QLatin1String("first"); }));
-    EXPECT_FALSE(m_windows->raise(::getpid()));
-}
-
-TEST_F(WindowsTest, NoWindowCanSayThatItIsAnothers)
-{
-    const auto honest = open({QStringLiteral("honest"), QStringLiteral("1")});
-    const auto liar = open(
-        {QStringLiteral("liar"), QStringLiteral("1"), QStringLiteral("claim=%1").arg(::getpid())});
-    EXPECT_FALSE(m_windows->owners().contains(::getpid()));
-    EXPECT_FALSE(m_windows->askToClose(::getpid()));
-    EXPECT_TRUE(m_windows->askToClose(liar->pid()));
-    EXPECT_EQ(liar->waitForEnd(), 0);
-    EXPECT_TRUE(honest->isRunning());
-}
-
-TEST_F(WindowsTest, AreAskedToCloseOneByOne)
-{
-    const auto program = open({QStringLiteral("three"), QStringLiteral("3")});
-    const auto other = open({QStringLiteral("other"), QStringLiteral("1")});
-    EXPECT_TRUE(m_windows->askToClose(program->pid()));
-    EXPECT_EQ(program->waitForEnd(), 0);
-    EXPECT_EQ(program->output().count(QStringLiteral("delete")), 3);
-    EXPECT_TRUE(other->isRunning());
-    EXPECT_FALSE(other->output().contains(QStringLiteral("delete")));
-}
-
-TEST_F(WindowsTest, ThoseThatCannotBeAskedAreLeftAlone)
-{
-    const auto stubborn =
-        open({QStringLiteral("stubborn"), QStringLiteral("1"), QStringLiteral("stubborn")});
-    EXPECT_FALSE(m_windows->askToClose(stubborn->pid()));
-    EXPECT_TRUE(stubborn->isRunning());
-}
-
-TEST_F(WindowsTest, APanelIsNoApplication)
-{
-    const auto panel = open({QStringLiteral("panel"), QStringLiteral("1"), QStringLiteral("dock")});
-    const auto program = open({QStringLiteral("program"), QStringLiteral("1")});
-    EXPECT_EQ(m_windows->owners(), QVector<qint64>{program->pid()});
-    EXPECT_FALSE(m_windows->raise(panel->pid()));
-}
-
-TEST_F(WindowsTest, WithoutADisplayNobodyHasSome)
-{
-    qunsetenv("DISPLAY");
-    EXPECT_TRUE(m_windows->owners().isEmpty());
-    EXPECT_FALSE(m_windows->raise(2));
-    EXPECT_FALSE(m_windows->askToClose(2));
 }
 
 /// A file manager on the test's bus.
