@@ -167,8 +167,9 @@ MenuItem makePreferenceOptionsMenu(const PreferenceMenuState &state)
     submenu->addItem(MenuItem::separatorItem());
     submenu->addItem(makeItemWidthSliderMenu(state.itemWidth));
     submenu->addItem(MenuItem::separatorItem());
-    submenu->addItemWithTitle(localizedString(QStringLiteral("Show Manual")),
-                              ItemTarget::Application, QStringLiteral("showManual"));
+    // Without a target it is for whoever knows the action.
+    submenu->addItemWithTitle(localizedString(QStringLiteral("Show Manual")), ItemTarget::None,
+                              QStringLiteral("showManual"));
     submenu->addItem(MenuItem::separatorItem());
     submenu->addItem(makeTitleOnPanelMenu(state.titleOnPanel));
     return submenuItem(localizedString(key), std::move(submenu));

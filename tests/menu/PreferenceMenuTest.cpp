@@ -188,12 +188,12 @@ TEST(PreferenceMenu, EachListHasItsOwnValue)
     EXPECT_EQ(checkedTags(*item.submenu->items()[5].submenu), QVector<int>{4});
 }
 
-TEST(PreferenceMenu, TheManualIsTheApplications)
+TEST(PreferenceMenu, TheManualHasNoTarget)
 {
     const MenuItem item = makePreferenceOptionsMenu({});
     const MenuItem &manual = item.submenu->items()[12];
     EXPECT_EQ(manual.title, QStringLiteral("Show Manual"));
-    EXPECT_EQ(deed(manual), "showManual > application");
+    EXPECT_EQ(deed(manual), "showManual > nobody");
 }
 
 TEST(PreferenceMenu, WidthSliderAndWhatStandsForIt)
