@@ -16,8 +16,9 @@ namespace {
 
 Q_LOGGING_CATEGORY(logPaths, "pulsebar.paths")
 
-// Command lines can be megabytes long; the path stands at the start.
-constexpr qint64 LongestReport = 64 * 1024;
+// Command lines can be megabytes long; the path stands at the start, and no file's is longer than
+// 4096 bytes. What is learned is kept for good, so that a longer one is not worth keeping.
+constexpr qint64 LongestReport = 5 * 1024;
 
 /// What ps prints depends on nobody's settings; with the encoding it leaves names as they are.
 QProcessEnvironment plainEnvironment()
