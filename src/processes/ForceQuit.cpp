@@ -110,8 +110,8 @@ void ForceQuit::killAsRoot(const std::shared_ptr<HeldProcess> &process)
         return;
     }
     auto request = std::make_unique<Request>(process, [this, pid] {
-        qCWarning(logActions) << "process" << pid
-                              << "ended before the administrator had answered; nothing is sent";
+        // Be it of itself or of our signal: it ends before the program that has sent that.
+        qCInfo(logActions) << "process" << pid << "has ended; the administrator is asked no more";
         m_requests.erase(pid);
     });
     if (!mayBeSignalled(*process))
