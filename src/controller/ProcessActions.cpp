@@ -162,16 +162,11 @@ void ProcessActions::quitProcess(const Menu &menu, const MenuItem &item,
 {
     const ProcessServices &services = m_parts.services;
     const QString path = processPathStringForMenuItem(menu);
-    if (path.isEmpty())
+    // Others may go by the same name, and a process may go by the name of others: without the
+    // process that the user saw there is nobody to ask.
+    if (path.isEmpty() || !mayBeSignalled(processNumberStringForMenuItem(menu), item.process.get()))
         return;
-    if (!item.process) {
-        if (services.workspace)
-            m_applications.quitApplicationWithName({services.workspace->displayName(path)});
-        return;
-    }
     HeldProcess &process = *item.process;
-    if (!mayBeSignalled(QString::number(process.pid()), &process))
-        return;
     const bool again = modifiers.testFlag(Qt::AltModifier);
     const QStringList programs =
         again && services.table ? services.table->programs(process) : QStringList();

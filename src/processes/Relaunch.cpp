@@ -28,6 +28,14 @@ QStringList installedCommand(const QStringList &programs, Workspace *workspace)
     return {};
 }
 
+/// Whether what is shown as the process's path is what the process runs, or the bundle around it.
+/// A path is kept by the process number alone, so that it may be that of an earlier process, which
+/// chose it.
+bool isOfPrograms(const QString &path, const QStringList &programs)
+{
+    return programs.contains(path) || programs.constFirst().startsWith(path + u'/');
+}
+
 } // namespace
 
 Relaunch relaunchOf(const QStringList &programs, const QString &path, Workspace *workspace)
@@ -38,12 +46,13 @@ Relaunch relaunchOf(const QStringList &programs, const QString &path, Workspace 
     if (!command.isEmpty())
         return {command, {}};
     // An interpreter's script is the third of them.
-    for (const QString &program : {programs.value(2), programs.value(0), path}) {
+    for (const QString &program : {programs.value(2), programs.value(0), programs.value(1)}) {
         if (isProgram(program))
             return {{program}, {}};
     }
     const QFileInfo file(path);
-    return {{}, file.isAbsolute() && file.exists() ? path : QString()};
+    const bool canBeOpened = file.isAbsolute() && isOfPrograms(path, programs) && file.exists();
+    return {{}, canBeOpened ? path : QString()};
 }
 
 bool startDetached(const QStringList &command)

@@ -1,6 +1,7 @@
 #include "FakeProcesses.h"
 #include "controller/ProcessActions.h"
 #include "engine/TopMonitor.h"
+#include "processes/Relaunch.h"
 #include "support/FakeSources.h"
 #include "support/LogCapture.h"
 #include "support/QtPrinting.h"
@@ -251,14 +252,31 @@ TEST_F(ProcessActionsTest, NothingIsAskedOfAProcessThatHasEndedOrHasNoPath)
     EXPECT_EQ(LogCapture::lines().filter(QStringLiteral("412 has ended")).size(), 1);
 }
 
-TEST_F(ProcessActionsTest, WithoutAHeldProcessQuittingGoesByName)
+TEST_F(ProcessActionsTest, QuittingAProcessThatIsGoneQuitsNobodyOfItsName)
 {
+    const LogCapture log;
     m_processes.known[50] = std::make_shared<FakeHeldProcess>(50);
     m_table.programsOf[50] = {QStringLiteral("/opt/safari/safari")};
     m_workspace.names[QStringLiteral("/opt/safari/safari")] = QStringLiteral("Safari");
-    m_windows.pids = {50, 51};
-    actions().quitProcess(submenu("412//x"), rowOfNobody("Quit"), {});
-    EXPECT_EQ(m_windows.closed, QVector<qint64>{50});
+    m_windows.pids = {50, 412};
+    actions().quitProcess(submenu("412//Safari"), rowOfNobody("Quit"), Qt::AltModifier);
+    EXPECT_TRUE(m_windows.closed.isEmpty());
+    EXPECT_EQ(LogCapture::lines().filter(QStringLiteral("nothing is sent")).size(), 1);
+}
+
+TEST_F(ProcessActionsTest, ApplicationsAreAskedToQuitByName)
+{
+    for (const qint64 pid : {50, 51, 52})
+        m_processes.known[pid] = std::make_shared<FakeHeldProcess>(pid);
+    m_table.programsOf = {{50, {QStringLiteral("/opt/safari/safari")}},
+                          {51, {QStringLiteral("/opt/other/other.bin")}},
+                          {52, {QStringLiteral("/opt/third")}}};
+    m_workspace.names[QStringLiteral("/opt/safari/safari")] = QStringLiteral("Safari");
+    m_windows.pids = {50, 51, 52, 53};
+    const Applications applications({&m_processes, &m_table, &m_workspace, &m_windows});
+    applications.quitApplicationWithName(
+        {QStringLiteral("Safari"), QStringLiteral("/opt/other/other")});
+    EXPECT_EQ(m_windows.closed, (QVector<qint64>{50, 51}));
 }
 
 TEST_F(ProcessActionsTest, WithAltItIsStartedAgainAfterAWhile)
@@ -286,11 +304,24 @@ TEST_F(ProcessActionsTest, WhatIsInstalledIsStartedAsInstalled)
 
 TEST_F(ProcessActionsTest, ABundleIsOpenedByTheDesktop)
 {
-    m_table.programsOf[412] = {QStringLiteral("/nonexistent")};
+    m_table.programsOf[412] = {path("Contents/MacOS/Safari")};
     m_monitor.readProcessPath("PID COMMAND\n412 " + m_folder.path().toUtf8());
     actions().quitProcess(submenu("412//Safari"), row(), Qt::AltModifier);
     EXPECT_TRUE(waitFor([this] { return !m_opener.opened.isEmpty(); }));
     EXPECT_EQ(m_opener.opened, QStringList{m_folder.path()});
+}
+
+TEST_F(ProcessActionsTest, WhatIsRememberedOfAnEarlierProcessIsNotStarted)
+{
+    // Both had the number, but only the earlier one called itself so.
+    const QString evil = script("evil", "");
+    const QStringList programs{QStringLiteral("/usr/bin/tool (deleted)"), QStringLiteral("tool")};
+    const auto isNothing = [](const Relaunch &relaunch) {
+        return relaunch.command.isEmpty() && relaunch.file.isEmpty();
+    };
+    EXPECT_TRUE(isNothing(relaunchOf(programs, evil, &m_workspace)));
+    EXPECT_TRUE(isNothing(relaunchOf(programs, m_folder.path(), &m_workspace)));
+    EXPECT_EQ(relaunchOf({programs[0], evil}, evil, &m_workspace).command, QStringList{evil});
 }
 
 TEST_F(ProcessActionsTest, WhatRunsOtherwiseThanWeDoIsNotStartedByUs)
