@@ -21,7 +21,7 @@ struct FakeHeldProcess : HeldProcess
     {
     }
     qint64 pid() const override { return number; }
-    quint64 startTime() const override { return 100; }
+    quint64 startTime() const override { return start; }
     bool isRunning() const override { return running; }
     bool askToEnd() override
     {
@@ -31,6 +31,7 @@ struct FakeHeldProcess : HeldProcess
     int endDescriptor() const override { return descriptor; }
 
     qint64 number;
+    quint64 start = 100;
     bool running = true;
     int askedToEnd = 0;
     int descriptor = -1;

@@ -422,6 +422,23 @@ TEST_F(ProcessActionsTest, ARequestIsTakenBackWhenTheProcessEnds)
     m_safari->running = false;
     EXPECT_TRUE(waitFor([this] { return m_rights.waiting == 0; }));
     EXPECT_TRUE(waitFor([] { return !LogCapture::lines().isEmpty(); }));
+    // It may well have been sent, and that be the reason.
+    EXPECT_TRUE(LogCapture::lines().filter(QStringLiteral("nothing is sent")).isEmpty());
+}
+
+TEST_F(ProcessActionsTest, TheNextProcessOfANumberIsAskedAboutAnew)
+{
+    actions().killProcessAsRoot(submenu("412//Safari"), row());
+    m_answers.back()(true);
+    const auto next = std::make_shared<FakeHeldProcess>(412);
+    next->start = 200;
+    m_safari = next;
+    actions().killProcessAsRoot(submenu("412//Safari"), row());
+    ASSERT_EQ(m_questions.size(), 2U);
+    EXPECT_NE(m_questions[0].key, m_questions[1].key);
+    m_answers.back()(true);
+    EXPECT_EQ(m_rights.commands.size(), 2);
+    EXPECT_EQ(m_rights.waiting, 1);
 }
 
 TEST_F(ProcessActionsTest, ProcessesAreCountedByTheirShortNames)

@@ -167,6 +167,15 @@ TEST_F(ProcessPathsTest, AnAnswerWithoutEndIsCut)
     EXPECT_EQ(pathIn(paths, "412"), QStringLiteral("/bin/x"));
 }
 
+TEST_F(ProcessPathsTest, NoMoreIsKeptThanAPathCanBe)
+{
+    installPs("echo 'PID COMMAND'\nprintf '%s /' $2\nhead -c 60000 /dev/zero | tr '\\0' x");
+    ProcessPaths paths(m_sources);
+    pathIn(paths, "412");
+    EXPECT_TRUE(waitFor([&] { return !pathIn(paths, "412").isEmpty(); }));
+    EXPECT_LT(pathIn(paths, "412").size(), 6000);
+}
+
 TEST_F(ProcessPathsTest, TheEnvironmentHasNoSay)
 {
     installPs(
