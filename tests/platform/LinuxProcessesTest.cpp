@@ -3,10 +3,12 @@
 #include "platform/TemporaryMachine.h"
 #include "platform/linux_/PidHandle.h"
 #include "platform/linux_/low/SmallFile.h"
+#include "platform/linux_/low/proc_pid_stat.h"
 #include "support/QtPrinting.h"
 
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 
 #include <array>
@@ -14,31 +16,38 @@
 #include <fcntl.h>
 #include <limits>
 #include <poll.h>
+#include <pthread.h>
+#include <sched.h>
 #include <unistd.h>
 
 namespace pulsebar {
 namespace {
 
-/// A child that sleeps until it is ended; with `name` as its command name.
+/// A child that sleeps until it is ended; with `name` as its command name. `prepare` is called in
+/// the child, before it is there.
 class Sleeper
 {
 public:
-    explicit Sleeper(const char *name = "sleeper")
+    explicit Sleeper(
+        const char *name = "sleeper", void (*prepare)() = [] {})
     {
         std::array<int, 2> ready{};
         EXPECT_EQ(::pipe2(ready.data(), O_CLOEXEC), 0);
         m_pid = ::fork();
         if (m_pid == 0) {
+            prepare();
             ::prctl(PR_SET_NAME, name);
             ::prctl(PR_SET_PDEATHSIG, SIGKILL);
             [[maybe_unused]] const auto written = ::write(ready[1], "", 1);
+            sigset_t none{};
+            ::sigemptyset(&none);
             for (;;)
-                ::pause();
+                ::sigsuspend(&none);
         }
+        ::close(ready[1]);
         char byte = 0;
         EXPECT_EQ(::read(ready[0], &byte, 1), 1);
         ::close(ready[0]);
-        ::close(ready[1]);
     }
     ~Sleeper()
     {
@@ -70,6 +79,19 @@ void waitForEndOf(const HeldProcess &process)
 {
     pollfd end{process.endDescriptor(), POLLIN, 0};
     EXPECT_EQ(::poll(&end, 1, 10000), 1);
+}
+
+void waitForEndOfMainThread(pid_t pid)
+{
+    const std::string file = "/proc/" + std::to_string(pid) + "/stat";
+    for (int looks = 0; looks < 10000; ++looks) {
+        const auto text = readWholeFile(file);
+        const auto stat = text ? parsePidStat(*text) : std::nullopt;
+        if (stat && stat->state == 'Z')
+            return;
+        ::usleep(1000);
+    }
+    ADD_FAILURE() << "the main thread goes on";
 }
 
 TEST(LinuxProcesses, HoldsARunningProcess)
@@ -187,6 +209,33 @@ TEST(LinuxProcesses, NoNameDisguisesAProcess)
     EXPECT_GE(held->startTime() + 1000, processes.now());
 }
 
+TEST(LinuxProcesses, RunsOnWithoutItsMainThread)
+{
+    LinuxProcesses processes{Sysroot()};
+    const Sleeper sleeper("twofold", [] {
+        // Comes when the first thread sleeps, and ends it alone.
+        sigset_t end{};
+        ::sigemptyset(&end);
+        ::sigaddset(&end, SIGUSR1);
+        ::pthread_sigmask(SIG_BLOCK, &end, nullptr);
+        ::signal(SIGUSR1, [](int) { ::syscall(SYS_exit, 0); });
+        ::raise(SIGUSR1);
+        pthread_t thread{};
+        const auto sleep = [](void * /*nothing*/) -> void * {
+            for (;;)
+                ::pause();
+        };
+        ::pthread_create(&thread, nullptr, sleep, nullptr);
+    });
+    waitForEndOfMainThread(sleeper.pid());
+    const auto held = processes.hold(sleeper.number(), processes.now());
+    ASSERT_TRUE(held);
+    EXPECT_TRUE(held->isRunning());
+    EXPECT_TRUE(held->askToEnd());
+    waitForEndOf(*held);
+    EXPECT_FALSE(held->isRunning());
+}
+
 TEST(LinuxProcessTable, ListsTheShortNamesOfAll)
 {
     const LinuxProcessTable table;
@@ -225,6 +274,35 @@ TEST(LinuxProcessTable, KnowsTheProgramsOfWhatRunsAsWeDo)
     sleeper.end();
     waitForEndOf(*held);
     EXPECT_EQ(table.programs(*held), QStringList());
+}
+
+TEST(LinuxProcessTable, TakesNoWordFromAnotherViewOfTheFiles)
+{
+    LinuxProcesses processes{Sysroot()};
+    const LinuxProcessTable table;
+    const Sleeper sleeper("sandboxed", [] {
+        if (::unshare(::geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWUSER | CLONE_NEWNS) != 0)
+            ::_exit(1);
+    });
+    const auto held = processes.hold(sleeper.number(), processes.now());
+    ASSERT_TRUE(held);
+    EXPECT_EQ(table.programs(*held), QStringList());
+}
+
+TEST(LinuxProcessTable, TakesNoWordFromAnotherUser)
+{
+    LinuxProcesses processes{Sysroot()};
+    LinuxProcessTable table;
+    // Only the administrator can be somebody else.
+    const bool canChange = ::geteuid() == 0;
+    const Sleeper sleeper("stranger", [] {
+        if (::geteuid() == 0 && ::setresuid(65534, 65534, 65534) != 0)
+            ::_exit(1);
+    });
+    const auto held = processes.hold(sleeper.number(), processes.now());
+    ASSERT_TRUE(held);
+    EXPECT_EQ(table.programs(*held).isEmpty(), canChange);
+    EXPECT_EQ(table.parent(*held) == nullptr, canChange);
 }
 
 } // namespace
