@@ -132,7 +132,7 @@ Desktop::Desktop(const DesktopOptions &options)
     }
     installOpener();
     startBus(options.services);
-    startDisplay(options.screen);
+    startDisplay(options);
 }
 
 Desktop::~Desktop()
@@ -177,15 +177,18 @@ void Desktop::startBus(const QStringList &services)
         throw std::runtime_error("the test's bus cannot be reached");
 }
 
-void Desktop::startDisplay(QSize screen)
+void Desktop::startDisplay(const DesktopOptions &options)
 {
-    const QString number = startServer(
-        m_xServer, QStringLiteral("Xvfb"),
-        {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
-         QStringLiteral("0"), QStringLiteral("%1x%2x24").arg(screen.width()).arg(screen.height()),
-         QStringLiteral("-nolisten"), QStringLiteral("tcp"),
-         // Else the server starts afresh whenever its last client leaves.
-         QStringLiteral("-noreset")});
+    const QSize screen = options.screen;
+    QStringList arguments{QStringLiteral("-displayfd"), QStringLiteral("1"),
+                          QStringLiteral("-screen"), QStringLiteral("0"),
+                          QStringLiteral("%1x%2x24").arg(screen.width()).arg(screen.height()),
+                          QStringLiteral("-nolisten"), QStringLiteral("tcp"),
+                          // Else the server starts afresh whenever its last client leaves.
+                          QStringLiteral("-noreset")};
+    for (const QString &extension : options.withoutExtensions)
+        arguments << QStringLiteral("-extension") << extension;
+    const QString number = startServer(m_xServer, QStringLiteral("Xvfb"), arguments);
     m_environment.insert(QStringLiteral("DISPLAY"), u':' + number);
 }
 

@@ -50,6 +50,8 @@ struct DesktopOptions
     QSize screen{800, 600};
     /// Names of services of this system that the bus may start; otherwise it starts none.
     QStringList services = {};
+    /// Extensions of the X server that the display is to do without.
+    QStringList withoutExtensions = {};
 };
 
 /// A display, a session bus and a home of their own for one test.
@@ -81,7 +83,7 @@ public:
 private:
     void installOpener();
     void startBus(const QStringList &services);
-    void startDisplay(QSize screen);
+    void startDisplay(const DesktopOptions &options);
 
     QTemporaryDir m_folder;
     QProcessEnvironment m_environment;

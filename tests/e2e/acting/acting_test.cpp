@@ -1,4 +1,5 @@
 #include "e2e/Desktop.h"
+#include "e2e/WindowManager.h"
 #include "platform/linux_/LinuxProcesses.h"
 #include "platform/linux_/desktop/LinuxDesktop.h"
 
@@ -26,6 +27,138 @@ TEST(ReusedNumber, NobodyIsTakenForAnother)
     Process helper(QStringLiteral("unshare"), arguments, QProcessEnvironment::systemEnvironment());
     EXPECT_EQ(helper.waitForEnd(), 0) << helper.log().toStdString();
     EXPECT_EQ(helper.output().toStdString(), "");
+}
+
+/// A display with a window manager, and windows on it.
+class WindowsTest : public testing::Test
+{
+protected:
+    explicit WindowsTest(const DesktopOptions &options = {})
+        : m_desktop(options)
+    {
+        qputenv("DISPLAY", m_desktop.environment().value(QStringLiteral("DISPLAY")).toUtf8());
+        m_windows = makeApplicationWindows();
+    }
+    ~WindowsTest() override { qunsetenv("DISPLAY"); }
+
+    std::unique_ptr<Process> open(const QStringList &arguments)
+    {
+        auto program = std::make_unique<Process>(QStringLiteral(X_WINDOWS), arguments,
+                                                 m_desktop.environment());
+        EXPECT_TRUE(
+            waitFor([&program] { return program->output().startsWith(QStringLiteral("ready")); }));
+        const bool isNoApplication = arguments.contains(QStringLiteral("dock")) ||
+                                     arguments.contains(QStringLiteral("desktop"));
+        EXPECT_TRUE(isNoApplication ||
+                    waitFor([&] { return m_windows->owners().contains(program->pid()); }));
+        return program;
+    }
+    /// Who has the window that the user works with.
+    QString activeTitle()
+    {
+        Process xdotool(QStringLiteral("xdotool"),
+                        {QStringLiteral("getactivewindow"), QStringLiteral("getwindowname")},
+                        m_desktop.environment());
+        xdotool.waitForEnd();
+        return xdotool.output().trimmed();
+    }
+
+    Desktop m_desktop;
+    WindowManager m_manager{m_desktop};
+    std::unique_ptr<ApplicationWindows> m_windows;
+};
+
+TEST_F(WindowsTest, AreRaisedByTheProcessThatOwnsThem)
+{
+    const auto first = open({QStringLiteral("first"), QStringLiteral("2")});
+    const auto second = open({QStringLiteral("second"), QStringLiteral("1")});
+    EXPECT_TRUE(m_windows->raise(second->pid()));
+    EXPECT_TRUE(waitFor([this] { return activeTitle() == QLatin1String("second"); }));
+    EXPECT_TRUE(m_windows->raise(first->pid()));
+    EXPECT_TRUE(waitFor([this] { return activeTitle() == QLatin1String("first"); }));
+    // Both windows have come to the top: from the bottom on, the other's is the first now.
+    const QVector<qint64> order{second->pid(), first->pid()};
+    EXPECT_TRUE(waitFor([&] { return m_windows->owners() == order; }));
+    EXPECT_FALSE(m_windows->raise(::getpid()));
+}
+
+TEST_F(WindowsTest, NoWindowCanSayThatItIsAnothers)
+{
+    const auto honest = open({QStringLiteral("honest"), QStringLiteral("1")});
+    const auto liar = open(
+        {QStringLiteral("liar"), QStringLiteral("1"), QStringLiteral("claim=%1").arg(::getpid())});
+    EXPECT_FALSE(m_windows->owners().contains(::getpid()));
+    EXPECT_FALSE(m_windows->askToClose(::getpid()));
+    EXPECT_TRUE(m_windows->askToClose(liar->pid()));
+    EXPECT_EQ(liar->waitForEnd(), 0);
+    EXPECT_TRUE(honest->isRunning());
+}
+
+TEST_F(WindowsTest, AreAskedToCloseOneByOne)
+{
+    const auto program = open({QStringLiteral("three"), QStringLiteral("3")});
+    const auto other = open({QStringLiteral("other"), QStringLiteral("1")});
+    EXPECT_TRUE(m_windows->askToClose(program->pid()));
+    EXPECT_EQ(program->waitForEnd(), 0);
+    EXPECT_EQ(program->output().count(QStringLiteral("delete")), 3);
+    EXPECT_TRUE(other->isRunning());
+    EXPECT_FALSE(other->output().contains(QStringLiteral("delete")));
+}
+
+TEST_F(WindowsTest, ThoseThatCannotBeAskedAreLeftAlone)
+{
+    const auto stubborn =
+        open({QStringLiteral("stubborn"), QStringLiteral("1"), QStringLiteral("stubborn")});
+    EXPECT_FALSE(m_windows->askToClose(stubborn->pid()));
+    EXPECT_TRUE(stubborn->isRunning());
+}
+
+TEST_F(WindowsTest, NeitherAPanelNorTheDesktopIsAnApplication)
+{
+    const auto panel = open({QStringLiteral("panel"), QStringLiteral("1"), QStringLiteral("dock")});
+    const auto desktop =
+        open({QStringLiteral("desktop"), QStringLiteral("1"), QStringLiteral("desktop")});
+    const auto program = open({QStringLiteral("program"), QStringLiteral("1")});
+    EXPECT_EQ(m_windows->owners(), QVector<qint64>{program->pid()});
+    EXPECT_FALSE(m_windows->raise(panel->pid()));
+    EXPECT_FALSE(m_windows->raise(desktop->pid()));
+}
+
+/// A display whose server does not tell whose connection a window came over.
+class WindowsWithoutOwnersTest : public WindowsTest
+{
+protected:
+    WindowsWithoutOwnersTest()
+        : WindowsTest(DesktopOptions{.withoutExtensions = {QStringLiteral("X-Resource")}})
+    {
+    }
+};
+
+TEST_F(WindowsWithoutOwnersTest, BelongToWhomTheyName)
+{
+    Process program(
+        QStringLiteral(X_WINDOWS),
+        {QStringLiteral("said"), QStringLiteral("1"), QStringLiteral("claim=%1").arg(::getpid())},
+        m_desktop.environment());
+    ASSERT_TRUE(waitFor([this] { return m_windows->owners().contains(::getpid()); }));
+    Process silent(QStringLiteral(X_WINDOWS), {QStringLiteral("silent"), QStringLiteral("1")},
+                   m_desktop.environment());
+    ASSERT_TRUE(waitFor([this] { return activeTitle() == QLatin1String("silent"); }));
+    EXPECT_EQ(m_windows->owners(), QVector<qint64>{::getpid()});
+    EXPECT_FALSE(m_windows->raise(silent.pid()));
+    EXPECT_FALSE(m_windows->askToClose(silent.pid()));
+    EXPECT_TRUE(m_windows->raise(::getpid()));
+    EXPECT_TRUE(waitFor([this] { return activeTitle() == QLatin1String("said"); }));
+    EXPECT_TRUE(m_windows->askToClose(::getpid()));
+    EXPECT_EQ(program.waitForEnd(), 0);
+}
+
+TEST_F(WindowsTest, WithoutADisplayNobodyHasSome)
+{
+    qunsetenv("DISPLAY");
+    EXPECT_TRUE(m_windows->owners().isEmpty());
+    EXPECT_FALSE(m_windows->raise(2));
+    EXPECT_FALSE(m_windows->askToClose(2));
 }
 
 /// A file manager on the test's bus.
@@ -72,7 +205,7 @@ class RightsTest : public testing::Test
 protected:
     QString script(const QByteArray &lines)
     {
-        const QString name = m_folder.filePath(QStringLiteral("pkexec"));
+        QString name = m_folder.filePath(QStringLiteral("pkexec"));
         QFile file(name);
         if (!file.open(QIODevice::WriteOnly))
             qFatal("no place for a script");
