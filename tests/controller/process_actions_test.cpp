@@ -1,6 +1,8 @@
 #include "FakeProcesses.h"
 #include "controller/ProcessActions.h"
 #include "engine/TopMonitor.h"
+#include "processes/Applications.h"
+#include "processes/ForceQuit.h"
 #include "processes/Relaunch.h"
 #include "support/FakeSources.h"
 #include "support/LogCapture.h"
@@ -12,6 +14,10 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+#include <array>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace pulsebar {
 namespace {
@@ -439,6 +445,43 @@ TEST_F(ProcessActionsTest, TheNextProcessOfANumberIsAskedAboutAnew)
     m_answers.back()(true);
     EXPECT_EQ(m_rights.commands.size(), 2);
     EXPECT_EQ(m_rights.waiting, 1);
+}
+
+TEST_F(ProcessActionsTest, ItsEndIsHeardOfWhereTheSystemTellsIt)
+{
+    std::array<int, 2> end{};
+    ASSERT_EQ(::pipe2(end.data(), O_CLOEXEC), 0);
+    m_safari->descriptor = end[0];
+    actions().killProcessAsRoot(submenu("412//Safari"), row());
+    m_answers.front()(true);
+    EXPECT_EQ(m_rights.waiting, 1);
+    // The fake says still that it runs: the descriptor alone is listened to.
+    EXPECT_EQ(::close(end[1]), 0);
+    EXPECT_TRUE(waitFor([this] { return m_rights.waiting == 0; }));
+    EXPECT_EQ(::close(end[0]), 0);
+}
+
+TEST_F(ProcessActionsTest, TheEndOfTheProgramTakesRequestsBack)
+{
+    {
+        ForceQuit forceQuit(&m_rights, path("kill"));
+        forceQuit.killAsRoot(m_safari);
+        EXPECT_EQ(m_rights.waiting, 1);
+    }
+    EXPECT_EQ(m_rights.waiting, 0);
+}
+
+TEST_F(ProcessActionsTest, ForceQuitItselfLooksWhetherTheProcessRuns)
+{
+    const LogCapture log;
+    ForceQuit forceQuit(&m_rights, path("kill"));
+    const auto gone = std::make_shared<FakeHeldProcess>(412);
+    gone->running = false;
+    forceQuit.kill(*gone);
+    forceQuit.killAsRoot(gone);
+    EXPECT_TRUE(calls().isEmpty());
+    EXPECT_TRUE(m_rights.commands.isEmpty());
+    EXPECT_EQ(LogCapture::lines().filter(QStringLiteral("nothing is sent")).size(), 2);
 }
 
 TEST_F(ProcessActionsTest, ProcessesAreCountedByTheirShortNames)
