@@ -206,8 +206,8 @@ void ProcessActions::killProcessAsRoot(const Menu &menu, const MenuItem &item)
         [this](const std::shared_ptr<HeldProcess> &process) { m_forceQuit.killAsRoot(process); });
 }
 
-/// What cannot be done is not asked about; and what is true at the question need not be at the
-/// answer.
+/// What cannot be done is not asked about; what is true at the question need not be at the answer,
+/// so that whoever ends the process looks again.
 void ProcessActions::askToForceQuit(
     const Menu &menu, const MenuItem &item, const char *informativeText,
     const std::function<void(const std::shared_ptr<HeldProcess> &)> &end)
@@ -219,8 +219,8 @@ void ProcessActions::askToForceQuit(
     const QString title = name ? QStringLiteral("%1 (%2)").arg(*name, number) : number;
     const QPointer<ProcessActions> self = this;
     m_parts.ask(forceQuitQuestion(*item.process, title, informativeText),
-                [self, process = item.process, number, end](bool proceed) {
-                    if (proceed && self && mayBeSignalled(number, process.get()))
+                [self, process = item.process, end](bool proceed) {
+                    if (proceed && self)
                         end(process);
                 });
 }
