@@ -176,6 +176,23 @@ TEST(LinuxProcesses, DoesWithoutDescriptors)
     EXPECT_EQ(WTERMSIG(sleeper.collect()), SIGTERM);
 }
 
+TEST(LinuxProcesses, TheDescriptorKnowsASuccessorOfTheSameTick)
+{
+    LinuxProcesses processes{Sysroot()};
+    const Sleeper gone;
+    const Sleeper successor;
+    const auto first = processes.hold(gone.number(), processes.now());
+    const auto second = processes.hold(successor.number(), processes.now());
+    ASSERT_TRUE(first && second);
+    // As if the number had gone on within one tick of the clock.
+    const PidHandle held(successor.pid(), second->startTime(), ::dup(first->endDescriptor()));
+    EXPECT_TRUE(held.isRunning());
+    gone.end();
+    waitForEndOf(*first);
+    EXPECT_FALSE(held.isRunning());
+    EXPECT_TRUE(second->isRunning());
+}
+
 TEST(LinuxProcesses, ARecordedProcessIsOnlyThisOneWithTheSameStart)
 {
     const TemporaryMachine machine;
