@@ -1,6 +1,7 @@
 // The real program in real panels: its menu opened, read and used with the mouse.
 #include "e2e/MenuClient.h"
 #include "e2e/RunningProgram.h"
+#include "e2e/WindowManager.h"
 #include "e2e/panel/ShownMenu.h"
 
 #include <QCoreApplication>
@@ -67,7 +68,7 @@ protected:
         desktop.environment().insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
         desktop.writeSettings(QByteArray("[General]\nrefreshSec=1\nlistMax=12\ntitleOnPanel=") +
                               GetParam().titleOnPanel + "\n");
-        manager = start(QStringLiteral("openbox"), {});
+        manager = std::make_unique<WindowManager>(desktop);
         startPanel();
         screen.point(aside);
         empty = screen.lookWhenStill();
@@ -150,7 +151,7 @@ protected:
 
     Desktop desktop{kWithPanels};
     Screen screen{desktop};
-    std::unique_ptr<Process> manager;
+    std::unique_ptr<WindowManager> manager;
     std::unique_ptr<Process> panel;
     std::unique_ptr<RunningProgram> program;
     const QPoint aside{200, 900};
