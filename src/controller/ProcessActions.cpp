@@ -12,6 +12,7 @@
 #include "util/ProcessNumber.h"
 #include "util/Text.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QLoggingCategory>
 #include <QPointer>
@@ -162,15 +163,23 @@ void ProcessActions::quitProcess(const Menu &menu, const MenuItem &item,
 {
     const ProcessServices &services = m_parts.services;
     const QString path = processPathStringForMenuItem(menu);
+    const QString number = processNumberStringForMenuItem(menu);
+    if (path.isEmpty()) {
+        qCWarning(logActions).noquote()
+            << QStringLiteral("the path of process %1 is not known; nothing is sent").arg(number);
+        return;
+    }
     // Others may go by the same name, and a process may go by the name of others: without the
     // process that the user saw there is nobody to ask.
-    if (path.isEmpty() || !mayBeSignalled(processNumberStringForMenuItem(menu), item.process.get()))
+    if (!mayBeSignalled(number, item.process.get()))
         return;
     HeldProcess &process = *item.process;
     const bool again = modifiers.testFlag(Qt::AltModifier);
     const QStringList programs =
         again && services.table ? services.table->programs(process) : QStringList();
-    const bool asked = services.windows && services.windows->askToClose(process.pid());
+    // None of this program's own windows ends it when it is closed.
+    const bool hasWindows = services.windows && process.pid() != QCoreApplication::applicationPid();
+    const bool asked = hasWindows && services.windows->askToClose(process.pid());
     if (!asked && !process.askToEnd())
         qCWarning(logActions) << "process" << process.pid() << "cannot be asked to end";
     if (again)

@@ -93,7 +93,7 @@ void ForceQuit::kill(const HeldProcess &process)
     program.setProcessChannelMode(QProcess::ForwardedChannels);
     if (!mayBeSignalled(process))
         return;
-    program.start(m_kill, argumentsFor(process), QIODevice::NotOpen);
+    program.start(m_kill, argumentsFor(process), QIODevice::ReadOnly);
     if (!program.waitForFinished(patience))
         qCWarning(logActions).noquote() << m_kill << "did not run:" << program.errorString();
 }

@@ -9,6 +9,7 @@
 #include "support/QtPrinting.h"
 #include "support/WaitFor.h"
 
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
@@ -245,11 +246,26 @@ TEST_F(ProcessActionsTest, QuittingClosesWindowsOrElseAsksTheProcessToEnd)
     EXPECT_EQ(m_windows.closed.size(), 1);
 }
 
+TEST_F(ProcessActionsTest, QuittingThisProgramAsksItToEndAndClosesNoneOfItsWindows)
+{
+    const QByteArray number = QByteArray::number(QCoreApplication::applicationPid());
+    const auto ourselves = std::make_shared<FakeHeldProcess>(QCoreApplication::applicationPid());
+    m_monitor.readProcessPath("PID COMMAND\n" + number + " /usr/bin/pulsebar");
+    m_windows.pids = {ourselves->pid()};
+    MenuItem item = row();
+    item.process = ourselves;
+    actions().quitProcess(submenu(number + "//pulsebar", "PID: " + number), item, {});
+    EXPECT_EQ(ourselves->askedToEnd, 1);
+    EXPECT_TRUE(m_windows.closed.isEmpty());
+}
+
 TEST_F(ProcessActionsTest, NothingIsAskedOfAProcessThatHasEndedOrHasNoPath)
 {
     const LogCapture log;
-    actions().quitProcess(submenu("9//Unknown"), row(), {});
+    actions().quitProcess(submenu("9//Unknown", "PID: 9"), row(), {});
     EXPECT_EQ(m_safari->askedToEnd, 0);
+    EXPECT_EQ(LogCapture::lines().filter(QStringLiteral("path of process 9 is not known")).size(),
+              1);
     m_safari->running = false;
     m_windows.pids = {412};
     actions().quitProcess(submenu("412//Safari"), row(), Qt::AltModifier);
@@ -354,7 +370,9 @@ TEST_F(ProcessActionsTest, ForceQuitAsksFirst)
     EXPECT_EQ(question.proceed, QStringLiteral("Force Quit"));
     EXPECT_EQ(question.title, QStringLiteral("Safari (412)"));
     EXPECT_TRUE(calls().isEmpty());
+    const LogCapture log;
     m_answers.front()(true);
+    EXPECT_EQ(LogCapture::lines().join(u'\n'), QString());
     // It has been waited for.
     EXPECT_EQ(calls(), QStringList{QStringLiteral("kill -9 412")});
     EXPECT_TRUE(m_rights.commands.isEmpty());
