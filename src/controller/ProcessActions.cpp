@@ -91,7 +91,7 @@ QString ProcessActions::processPathStringForMenuItem(const Menu &submenu) const
 {
     const QString key = processKey(submenu.title());
     const Text pid = substringTo(key, behindNumber);
-    const QString path = pid ? m_monitor.pathForPID(*pid) : QString();
+    QString path = pid ? m_monitor.pathForPID(*pid) : QString();
     if (!path.isEmpty())
         return path;
     const Text name = substringFrom(key, behindNumber);
@@ -128,9 +128,9 @@ QString ProcessActions::fileOf(const QString &path, const MenuItem &item) const
     if (path.startsWith(u'/'))
         return path;
     const ProcessServices &services = m_parts.services;
-    const QString program = item.process && services.table
-                                ? services.table->programs(*item.process).value(0)
-                                : QString();
+    QString program = item.process && services.table
+                          ? services.table->programs(*item.process).value(0)
+                          : QString();
     if (!program.isEmpty() || !services.workspace)
         return program;
     return services.workspace->fullPathForApplication(path);

@@ -130,7 +130,7 @@ void ProcessPaths::readProcessPath(const QByteArray &report)
 /// script's, and a browser's tabs have no entry of their own.
 QString ProcessPaths::iconFor(const QString &pid, const QString &path) const
 {
-    const QString own = m_icons ? m_icons->iconForPID(pid) : QString();
+    QString own = m_icons ? m_icons->iconForPID(pid) : QString();
     if (!own.isEmpty() || !m_workspace || !QFileInfo::exists(path))
         return own;
     return m_workspace->iconForFile(path);

@@ -7,6 +7,7 @@
 #include "platform/LoginItems.h"
 #include "platform/UrlOpener.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -71,7 +72,7 @@ class PreferenceActionsTest : public testing::Test
 {
 protected:
     PreferenceActionsTest()
-        : application(&opener, {QStringLiteral(__FILE__)})
+        : application(&opener, {QCoreApplication::applicationFilePath()})
     {
     }
 
