@@ -41,7 +41,7 @@ bool mayBeSignalled(const HeldProcess &process)
 class ForceQuit::Request
 {
 public:
-    Request(std::shared_ptr<HeldProcess> process, std::function<void()> processEnded)
+    Request(std::shared_ptr<HeldProcess> process, const std::function<void()> &processEnded)
         : m_process(std::move(process))
     {
         if (m_process->endDescriptor() >= 0) {

@@ -21,7 +21,7 @@ QStringList installedCommand(const QStringList &programs, Workspace *workspace)
     if (!workspace)
         return {};
     for (const QString &program : programs) {
-        const QStringList command = workspace->commandForProgram(program);
+        QStringList command = workspace->commandForProgram(program);
         if (!command.isEmpty())
             return command;
     }

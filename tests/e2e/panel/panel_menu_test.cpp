@@ -229,7 +229,8 @@ TEST_P(PanelMenuUseTest, ShowsAndEndsAProcessThatWasStartedSince)
     const std::unique_ptr<Process> other = startBusyProcess(QStringLiteral("x") + name);
     ASSERT_TRUE(waitFor([&] { return isListed(busy->pid()) && isListed(other->pid()); }));
     ShownMenu second = openMenu();
-    second.openSubmenu(QStringLiteral(": ?") + name.left(7));
+    // Characters in the middle of a word may be read as others.
+    second.openSubmenu(QStringLiteral(": ?z.{3,5}") + QString::fromLatin1(GetParam().name).left(2));
     second.row(QStringLiteral("PID.? ?") + QString::number(busy->pid()).left(2));
     keep("process");
     second.choose(QStringLiteral("Force Quit"));

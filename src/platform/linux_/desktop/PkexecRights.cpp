@@ -37,7 +37,7 @@ QProcessEnvironment plainEnvironment()
 class PkexecRun : public PrivilegedRun
 {
 public:
-    PkexecRun(const QString &pkexec, const QStringList &command, std::function<void()> ended)
+    PkexecRun(const QString &pkexec, const QStringList &command, const std::function<void()> &ended)
         // It must not outlive the program, whoever forgets it.
         : m_process(new QProcess(QCoreApplication::instance()))
     {
@@ -100,8 +100,7 @@ public:
     std::unique_ptr<PrivilegedRun> run(const QString &program, const QStringList &arguments,
                                        std::function<void()> ended) override
     {
-        return std::make_unique<PkexecRun>(m_pkexec, QStringList{program} + arguments,
-                                           std::move(ended));
+        return std::make_unique<PkexecRun>(m_pkexec, QStringList{program} + arguments, ended);
     }
 
 private:
