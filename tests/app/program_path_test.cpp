@@ -1,5 +1,6 @@
 #include "app/ProgramPath.h"
 #include "support/QtPrinting.h"
+#include "support/Text.h"
 
 #include <QDir>
 #include <QFile>
@@ -10,11 +11,6 @@
 
 namespace pulsebar {
 namespace {
-
-QString s(const char *text)
-{
-    return QString::fromUtf8(text);
-}
 
 class ProgramPathTest : public testing::Test
 {

@@ -4,6 +4,7 @@
 #include "cli/JsonText.h"
 #include "cli/PropertyValue.h"
 #include "cli/WatchFormat.h"
+#include "support/Text.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -17,11 +18,6 @@
 
 namespace pulsebar::cli {
 namespace {
-
-QString s(const char *text)
-{
-    return QString::fromUtf8(text);
-}
 
 TEST(JsonText, IntegersInFull)
 {

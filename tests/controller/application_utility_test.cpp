@@ -3,6 +3,7 @@
 #include "platform/UrlOpener.h"
 #include "support/FakeSources.h"
 #include "support/QtPrinting.h"
+#include "support/Text.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -11,11 +12,6 @@
 
 namespace pulsebar {
 namespace {
-
-QString s(const char *text)
-{
-    return QString::fromUtf8(text);
-}
 
 class FakeOpener : public UrlOpener
 {

@@ -1,5 +1,6 @@
 #include "controller/SettingsFormat.h"
 #include "controller/SettingsText.h"
+#include "support/Text.h"
 
 #include <QFile>
 #include <QStringList>
@@ -12,11 +13,6 @@
 
 namespace pulsebar::settingsformat {
 namespace {
-
-QString s(const char *text)
-{
-    return QString::fromUtf8(text);
-}
 
 QVariant parsed(const char *value)
 {

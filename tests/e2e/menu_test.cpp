@@ -1,6 +1,7 @@
 #include "e2e/MenuClient.h"
 #include "e2e/Panel.h"
 #include "e2e/RunningProgram.h"
+#include "support/Text.h"
 
 #include <QRegularExpression>
 
@@ -10,11 +11,6 @@
 
 namespace pulsebar::e2e {
 namespace {
-
-QString s(const char *text)
-{
-    return QString::fromUtf8(text);
-}
 
 /// The program in a panel, and its menu as that panel reads it.
 class MenuTest : public testing::Test

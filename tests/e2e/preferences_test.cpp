@@ -1,6 +1,7 @@
 #include "e2e/MenuClient.h"
 #include "e2e/Panel.h"
 #include "e2e/RunningProgram.h"
+#include "support/Text.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -16,11 +17,6 @@ namespace {
 
 constexpr QLatin1String kControl = RunningProgram::kControl;
 constexpr QLatin1String kScripting = RunningProgram::kScripting;
-
-QString s(const char *text)
-{
-    return QString::fromUtf8(text);
-}
 
 QByteArray contentOf(const QString &name)
 {

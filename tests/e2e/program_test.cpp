@@ -1,5 +1,6 @@
 #include "e2e/Panel.h"
 #include "e2e/RunningProgram.h"
+#include "support/Text.h"
 
 #include <QDBusArgument>
 #include <QDBusMetaType>
@@ -23,11 +24,6 @@ constexpr QLatin1String kControl = RunningProgram::kControl;
 const QString kInvalidArgs = QStringLiteral("org.freedesktop.DBus.Error.InvalidArgs");
 const QString kNoValue = QStringLiteral("org.pulsebar.Error.NoValue");
 const QString kUndefinedKey = QStringLiteral("org.pulsebar.Error.UndefinedKey");
-
-QString s(const char *text)
-{
-    return QString::fromUtf8(text);
-}
 
 QStringList lines(const QString &log)
 {

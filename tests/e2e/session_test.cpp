@@ -1,6 +1,7 @@
 #include "e2e/MenuClient.h"
 #include "e2e/Panel.h"
 #include "e2e/RunningProgram.h"
+#include "support/Text.h"
 
 #include <gtest/gtest.h>
 
@@ -9,11 +10,6 @@
 
 namespace pulsebar::e2e {
 namespace {
-
-QString s(const char *text)
-{
-    return QString::fromUtf8(text);
-}
 
 /// A desktop session with a session manager of its own.
 class SessionTest : public testing::Test

@@ -3,6 +3,7 @@
 #include "e2e/Panel.h"
 #include "e2e/RunningProgram.h"
 #include "e2e/WindowManager.h"
+#include "support/Text.h"
 
 #include <QDir>
 #include <QFile>
@@ -14,11 +15,6 @@
 
 namespace pulsebar::e2e {
 namespace {
-
-QString s(const char *text)
-{
-    return QString::fromUtf8(text);
-}
 
 /// The program in a panel, and a process list that the test writes.
 class ActingProgramTest : public testing::Test
