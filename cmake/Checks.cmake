@@ -49,4 +49,5 @@ endfunction()
 # The include check sees what a source names; this sees what it is linked to.
 pulsebar_links_without(PATTERN "^Qt6::(Gui|Widgets|Svg)|XCB|^xcb"
   TARGETS pulsebar_util pulsebar_platform pulsebar_engine pulsebar_sensors pulsebar_processes pulsebar_menu pulsebarctl)
-pulsebar_links_without(PATTERN "^Qt6::" TARGETS pulsebar_linux_low pulsebar-top pulsebar-nettop)
+pulsebar_links_without(PATTERN "^Qt6::" TARGETS pulsebar_linux_low pulsebar_linux_hwmon pulsebar_smc
+  pulsebar-top pulsebar-nettop pulsebar-smc)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QVariantList>
 #include <QVariantMap>
 
 #include <optional>
@@ -27,6 +28,9 @@ public:
     /// Absent when there is nothing that could be asked.
     /// @param fahrenheit convert the readings
     virtual std::optional<QVariantMap> SMCGetTemperatures(bool fahrenheit) = 0;
+    /// The sensors in the order in which they are shown: dictionaries with "Key" (the name) and
+    /// "SMCKey". What a sample does not have may be among them. Grows when sensors appear.
+    virtual QVariantList temperatureKeys() const = 0;
 };
 
 /// Reads the fans.
@@ -38,6 +42,9 @@ public:
     /// revolutions per minute); "AverageSpeed": float, their mean. Freshly read.
     /// Absent when the number of fans cannot be told.
     virtual std::optional<QVariantMap> SMCGetFanMove() = 0;
+    /// The values of a fan in the order in which they are shown: dictionaries with "Key" and
+    /// "SMCKey", a format with the fan's number.
+    virtual QVariantList fanKeys() const = 0;
 };
 
 } // namespace pulsebar

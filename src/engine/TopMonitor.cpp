@@ -8,6 +8,7 @@
 #include "engine/SamplerProcess.h"
 #include "engine/TopReportParser.h"
 #include "engine/UsageCaches.h"
+#include "util/Localisation.h"
 #include "util/Values.h"
 
 #include <QTimer>
@@ -379,6 +380,27 @@ QVariant TopMonitor::fanMoves() const
     for (const QVariant &fan : fanMove.value(QStringLiteral("DataArray")).toList())
         speeds.append(fan.toMap().value(QStringLiteral("ActualSpeed")));
     return speeds;
+}
+
+QVariantList TopMonitor::temperatureKeys() const
+{
+    return m_sources.temperatures ? m_sources.temperatures->temperatureKeys() : QVariantList();
+}
+
+QVariantList TopMonitor::fanKeys() const
+{
+    return m_sources.fans ? m_sources.fans->fanKeys() : QVariantList();
+}
+
+QString TopMonitor::temperatureKeyForNumber(int number) const
+{
+    const QVariantMap sensor = temperatureKeys().value(number).toMap();
+    return sensor.value(QStringLiteral("Key")).toString();
+}
+
+QString TopMonitor::localizedTemperatureKeyForNumber(int number) const
+{
+    return localizedString(temperatureKeyForNumber(number), QStringLiteral("Temperature"), {});
 }
 
 const QVariantMap &TopMonitor::processPathDict() const

@@ -161,6 +161,15 @@ public:
     /// The fans' speeds (QVariantList of float), empty when they cannot be read.
     QVariant fanMoves() const;
 
+    /// What is shown of the sensors and of each fan, in order (see Collectors.h); empty without a
+    /// collector.
+    QVariantList temperatureKeys() const;
+    QVariantList fanKeys() const;
+    /// The name of the nth of the temperatureKeys, and its text in the user's language (table
+    /// "Temperature"); empty beyond the last.
+    QString temperatureKeyForNumber(int number) const;
+    QString localizedTemperatureKeyForNumber(int number) const;
+
     /// What is known about processes by their numbers as text; see ProcessPaths.h. The first lookup
     /// of a number answers nothing and starts a query in the background.
     const QVariantMap &processPathDict() const;

@@ -25,6 +25,10 @@ public:
     {
         return QVariantMap{{QStringLiteral("CPU Die"), fahrenheit ? 122.0 : 50.0}};
     }
+    QVariantList temperatureKeys() const override
+    {
+        return {QVariantMap{{QStringLiteral("Key"), QStringLiteral("CPU Die")}}};
+    }
 };
 
 class FakeIcons : public ProcessIcons

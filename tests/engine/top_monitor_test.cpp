@@ -340,6 +340,24 @@ TEST_F(TopMonitorTest, AccessorsOfMissingSourcesAnswerNothing)
     EXPECT_EQ(bare.iconForPID(QStringLiteral("1")), QString());
 }
 
+TEST_F(TopMonitorTest, NamesTheSensorsByNumber)
+{
+    m_temperatures.keys = {QVariantMap{{QStringLiteral("Key"), QStringLiteral("CPU Die")}},
+                           QVariantMap{{QStringLiteral("Key"), QStringLiteral("GPU")}}};
+    m_fans.keys = {QVariantMap{{QStringLiteral("Key"), QStringLiteral("ActualSpeed")}}};
+    EXPECT_EQ(m_monitor.temperatureKeys(), m_temperatures.keys);
+    EXPECT_EQ(m_monitor.fanKeys(), m_fans.keys);
+    EXPECT_EQ(m_monitor.temperatureKeyForNumber(1), QStringLiteral("GPU"));
+    EXPECT_EQ(m_monitor.localizedTemperatureKeyForNumber(0), QStringLiteral("CPU Die"));
+    EXPECT_EQ(m_monitor.temperatureKeyForNumber(2), QString());
+    EXPECT_EQ(m_monitor.temperatureKeyForNumber(-1), QString());
+
+    const TopMonitor bare(MonitorSources(), {});
+    EXPECT_EQ(bare.temperatureKeys(), QVariantList());
+    EXPECT_EQ(bare.fanKeys(), QVariantList());
+    EXPECT_EQ(bare.temperatureKeyForNumber(0), QString());
+}
+
 TEST_F(TopMonitorTest, PathsAndIconsAreThereAfterTheQuery)
 {
     m_icons.answers[QStringLiteral("123")] = QStringLiteral("web-browser");

@@ -52,12 +52,16 @@ struct TemperaturesAnswer : TemperatureCollector
         fahrenheit = inFahrenheit;
         return answer;
     }
+    QVariantList keys;
+    QVariantList temperatureKeys() const override { return keys; }
 };
 
 struct FansAnswer : FanCollector
 {
     std::optional<QVariantMap> answer;
     std::optional<QVariantMap> SMCGetFanMove() override { return answer; }
+    QVariantList keys;
+    QVariantList fanKeys() const override { return keys; }
 };
 
 struct IconsAnswer : ProcessIcons
