@@ -63,6 +63,8 @@ MainMenuState Controller::mainMenuState() const
     state.processes = processMenuState();
     if (m_networkMonitor != nullptr && m_networkMonitor->runNettop())
         state.networkProcesses = m_networkMonitor->topDict();
+    state.temperatureKeys = m_monitor.temperatureKeys();
+    state.fanKeys = m_monitor.fanKeys();
     state.hideGraphWindow = m_graphWindows != nullptr && m_graphWindows->hideGraphWindow();
     state.preferences = preferenceMenuState();
     return state;

@@ -5,9 +5,11 @@
 #include "menu/DetailSection.h"
 #include "menu/DiskSection.h"
 #include "menu/EnergySection.h"
+#include "menu/FanSection.h"
 #include "menu/MemorySection.h"
 #include "menu/MenuRows.h"
 #include "menu/NetworkSection.h"
+#include "menu/TemperatureSection.h"
 #include "menu/TitleTypes.h"
 #include "util/Localisation.h"
 #include "util/Sizes.h"
@@ -36,6 +38,31 @@ void addEnergy(Menu &menu, const QVariantMap &topDict)
     const QVariant shares = topDict.value(QStringLiteral("EnergyUsageDict"));
     if (isDictionary(shares))
         menu.addItem(powerUsageMenuItem(shares.toMap(), topDict));
+}
+
+void addTemperatures(Menu &menu, const MainMenuState &state)
+{
+    if (!state.preferences.titles.monitorTemperature)
+        return;
+    TemperatureMenuState section;
+    section.temperatureKeys = state.temperatureKeys;
+    section.minuteStats =
+        state.topDict.value(QStringLiteral("CPUTemparaturesMinutesStats")).toMap();
+    section.fahrenheit = state.preferences.fahrenheit;
+    const QVariantMap temperatures = state.topDict.value(QStringLiteral("CPUTemparatures")).toMap();
+    if (std::optional<MenuItem> item = makeTemperatureMenuForDict(temperatures, section))
+        menu.addItem(*std::move(item));
+}
+
+void addFans(Menu &menu, const MainMenuState &state)
+{
+    if (!state.preferences.titles.monitorFanMove)
+        return;
+    const FanMenuState section{state.fanKeys,
+                               state.topDict.value(QStringLiteral("FanMoveMinutesStats")).toList()};
+    const QVariantMap fanMove = state.topDict.value(QStringLiteral("FanMove")).toMap();
+    if (std::optional<MenuItem> item = makeFanMoveMenuForDict(fanMove, section))
+        menu.addItem(*std::move(item));
 }
 
 void addMemoryAndDisks(Menu &menu, const QVariantMap &topDict)
@@ -108,7 +135,8 @@ void addMainMenu(Menu &menu, const MainMenuState &state)
         addNetworkProcesses(menu, *state.networkProcesses, state.preferences.networkMax);
     menu.addItem(CPUMenuItem(state.topDict));
     addEnergy(menu, state.topDict);
-    // Temperatures, then fans, belong here.
+    addTemperatures(menu, state);
+    addFans(menu, state);
     addMemoryAndDisks(menu, state.topDict);
     addRates(menu, state.topDict);
     addBattery(menu, state.topDict);

@@ -17,6 +17,8 @@ struct MainMenuState
     ProcessMenuState processes;
     /// Each process's traffic, as NetworkSection.h describes it; absent while it is not monitored.
     std::optional<QVariantMap> networkProcesses;
+    QVariantList temperatureKeys; ///< as TemperatureSection.h describes them
+    QVariantList fanKeys;         ///< as FanSection.h describes them
     bool hideGraphWindow = false;
     PreferenceMenuState preferences;
 };

@@ -155,7 +155,9 @@ std::optional<QString> realText(const Placeholder &placeholder, double number,
     spec += '.' + std::to_string(placeholder.precision < 0 ? 6 : placeholder.precision);
     spec += static_cast<char>(placeholder.conversion);
     spec += '}';
-    QString text = fromAscii(fmt::format(fmt::runtime(spec), number));
+    // The sign of what is not a number is an accident of the division that made it.
+    const double shown = std::isnan(number) ? std::fabs(number) : number;
+    QString text = fromAscii(fmt::format(fmt::runtime(spec), shown));
     if (decimalPoint != u".")
         text.replace(QLatin1Char('.'), decimalPoint);
     return text;

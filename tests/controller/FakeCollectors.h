@@ -31,6 +31,21 @@ public:
     }
 };
 
+class FakeFans : public FanCollector
+{
+public:
+    std::optional<QVariantMap> SMCGetFanMove() override
+    {
+        const QVariantMap fan{{QStringLiteral("ActualSpeed"), 1200.0F}};
+        return QVariantMap{{QStringLiteral("DataArray"), QVariantList{fan}},
+                           {QStringLiteral("AverageSpeed"), 1200.0F}};
+    }
+    QVariantList fanKeys() const override
+    {
+        return {QVariantMap{{QStringLiteral("Key"), QStringLiteral("ActualSpeed")}}};
+    }
+};
+
 class FakeIcons : public ProcessIcons
 {
 public:

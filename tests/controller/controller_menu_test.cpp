@@ -5,6 +5,8 @@
 #include "controller/Settings.h"
 #include "engine/NetworkMonitor.h"
 #include "engine/TopMonitor.h"
+#include "menu/FanSection.h"
+#include "menu/TitleTypes.h"
 #include "platform/Processes.h"
 
 #include <QTemporaryDir>
@@ -66,6 +68,8 @@ protected:
     {
         MonitorSources sources;
         sources.icons = &icons;
+        sources.temperatures = &temperatures;
+        sources.fans = &fans;
         sources.pathQuery.program = QStringLiteral("/nonexistent/ps");
         return sources;
     }
@@ -108,6 +112,8 @@ protected:
     QTemporaryDir folder;
     Settings settings;
     FakeIcons icons;
+    FakeTemperatures temperatures;
+    FakeFans fans;
     TopMonitor monitor;
     FakeStatusItem item;
     FakeNetworkMonitor network;
@@ -184,6 +190,32 @@ TEST_F(ControllerMenuTest, TrafficIsThereWhileItIsMonitored)
     menu = built();
     for (const MenuItem &row : menu.items())
         EXPECT_FALSE(row.title.startsWith(QChar(0x2193)));
+}
+
+TEST_F(ControllerMenuTest, HasTheSensorsAndTheFans)
+{
+    started();
+    Menu menu = built();
+    const MenuItem &die = rowTitled(menu, QStringLiteral("CPU Die: 50.0\u2103"));
+    rowTitled(*die.submenu, QStringLiteral("CPU Die:50.0\u2103"));
+    const MenuItem &fan = rowTitled(menu, QStringLiteral("Fan: 1200RPM"));
+    rowTitled(*fan.submenu, QStringLiteral("Actual: 1200RPM"));
+    choose(menu, die);
+    EXPECT_EQ(controller->titles().titleTypesToDisplay(), QVector<int>{titles::kTemperature});
+    choose(menu, fan);
+    EXPECT_EQ(controller->titles().titleTypesToDisplay(), QVector<int>{titles::kFanSpeed});
+    monitor.setFahrenheit(true);
+    monitor.loadTopInfo("PID COMMAND\n");
+    menu = built();
+    rowTitled(menu, QStringLiteral("CPU Die: 122.0\u2109"));
+}
+
+TEST_F(ControllerMenuTest, AFansRowEmptiesTheTitle)
+{
+    started();
+    Menu holder(QStringLiteral("FanMove__FanAverage"));
+    choose(holder, makeFanMoveMenuForFanDict({}, 0, {}));
+    EXPECT_EQ(controller->titles().titleTypesToDisplay(), QVector<int>{0});
 }
 
 TEST_F(ControllerMenuTest, GraphsOpenByTheTitleOfTheMenu)

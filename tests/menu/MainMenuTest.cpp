@@ -15,7 +15,9 @@ namespace {
 using reading::deed;
 using reading::titles;
 using reading::titlesBelow;
+using testing::Contains;
 using testing::ElementsAre;
+using testing::Not;
 
 MainMenuState fullState()
 {
@@ -39,7 +41,21 @@ MainMenuState fullState()
         {QStringLiteral("BatteryStats"),
          QVariantMap{{QStringLiteral("BatteryEnabled"), true},
                      {QStringLiteral("BatteryRemainPercent"), 50.0F}}},
+        {QStringLiteral("CPUTemparatures"), QVariantMap{{QStringLiteral("CPU Die"), 45.0}}},
+        {QStringLiteral("CPUTemparaturesMinutesStats"),
+         QVariantMap{{QStringLiteral("CPU Die"), samples::record(45, 46, 44)}}},
+        {QStringLiteral("FanMove"),
+         QVariantMap{
+             {QStringLiteral("AverageSpeed"), 1500.0F},
+             {QStringLiteral("DataArray"), QVariantList{samples::fan(1200), samples::fan(1800)}}}},
+        {QStringLiteral("FanMoveMinutesStats"),
+         QVariantList{samples::record(1, 2, 3), samples::record(4, 5, 6),
+                      samples::record(7, 8, 9)}},
         {QStringLiteral("topResult"), QStringLiteral("text")}};
+    state.temperatureKeys = samples::keys({QStringLiteral("CPU Die")});
+    state.fanKeys = samples::keys({QStringLiteral("ActualSpeed")});
+    state.preferences.titles.monitorTemperature = true;
+    state.preferences.titles.monitorFanMove = true;
     state.networkProcesses =
         QVariantMap{{QStringLiteral("n"), samples::traffic(QStringLiteral("n"), 0, 0, 0.0, 0.0)}};
     state.preferences.networkMax = 5;
@@ -68,8 +84,9 @@ TEST(MainMenu, SectionsInTheirOrder)
 {
     EXPECT_THAT(titles(built(fullState())),
                 ElementsAre("12.5% : b", "12.5% : a", "-", "\u21930.0B(+0.0B)/\u21910.0B(+0.0B):n",
-                            "-", "CPU Average: 50.0%", "Energy Consumption: 2.0%", "System Memory",
-                            "Disk #1", "Disk #2", "Network In: 1.5KB/sec", "Network Out: 20B/sec",
+                            "-", "CPU Average: 50.0%", "Energy Consumption: 2.0%",
+                            "CPU Die: 45.0\u2103", "Fan: 1500RPM", "System Memory", "Disk #1",
+                            "Disk #2", "Network In: 1.5KB/sec", "Network Out: 20B/sec",
                             " Disk Read: 2.0KB/sec", "Disk Write: 10B/sec", "Battery: 50.0%",
                             "Detailed Information", "-", "Hide Graph", "Preference", "-", "Quit"));
 }
@@ -85,9 +102,12 @@ TEST(MainMenu, ASampleThatTellsNothing)
 TEST(MainMenu, ValuesOfOtherTypes)
 {
     MainMenuState state;
+    state.preferences.titles.monitorTemperature = true;
+    state.preferences.titles.monitorFanMove = true;
     for (const char *key :
          {"ProcessList", "CPUUsage", "CPUUsageCoreAverage", "EnergyUsageDict", "MemoryStats",
-          "DiskStatistics", "NetStatistics", "NetworkInMinuteStats", "BatteryStats", "topResult"})
+          "DiskStatistics", "NetStatistics", "NetworkInMinuteStats", "BatteryStats", "topResult",
+          "CPUTemparatures", "CPUTemparaturesMinutesStats", "FanMove", "FanMoveMinutesStats"})
         state.topDict.insert(QString::fromLatin1(key), QStringLiteral("odd"));
     EXPECT_EQ(titles(built(state)), titles(built({})));
     for (const char *key : {"ProcessList", "EnergyUsageDict", "BatteryStats"})
@@ -208,6 +228,35 @@ TEST(MainMenu, BatteryOnlyWhenThereIsOne)
     state.topDict.insert(QStringLiteral("BatteryStats"),
                          QVariantMap{{QStringLiteral("BatteryRemainPercent"), 50.0F}});
     EXPECT_EQ(titles(built(state)).size(), titles(built(fullState())).size() - 1);
+}
+
+TEST(MainMenu, SensorsOnlyWhenTheyAreMonitored)
+{
+    MainMenuState state = fullState();
+    rowTitled(built(state), "CPU Die: 45.0\u2103");
+    rowTitled(built(state), "Fan: 1500RPM");
+    state.preferences.titles.monitorTemperature = false;
+    EXPECT_THAT(titles(built(state)), Not(Contains("CPU Die: 45.0\u2103")));
+    state.preferences.titles.monitorFanMove = false;
+    EXPECT_THAT(titles(built(state)), Not(Contains("Fan: 1500RPM")));
+    state = fullState();
+    for (const char *key : {"CPUTemparatures", "FanMove"})
+        state.topDict.remove(QString::fromLatin1(key));
+    EXPECT_EQ(titles(built(state)).size(), titles(built(fullState())).size() - 2);
+}
+
+TEST(MainMenu, SensorsWithTheirStatistics)
+{
+    MainMenuState state = fullState();
+    state.preferences.fahrenheit = true;
+    const Menu menu = built(state);
+    const MenuItem &die = rowTitled(menu, "CPU Die: 45.0\u2109");
+    EXPECT_EQ(deed(die), "changeTitleToDisplayType > controller #10");
+    ASSERT_THAT(titlesBelow(die), ElementsAre("CPU Die:45.0\u2109"));
+    EXPECT_THAT(titlesBelow(die.submenu->items()[0]), Contains("Maximum: 46.0\u2109"));
+    const MenuItem &fans = rowTitled(menu, "Fan: 1500RPM");
+    EXPECT_EQ(deed(fans), "changeTitleToDisplayType > controller #11");
+    EXPECT_THAT(titlesBelow(fans), Contains("Average: 7.0RPM"));
 }
 
 TEST(MainMenu, GraphsAndTheEnd)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QStringList>
+#include <QVariantList>
 #include <QVariantMap>
 
 /// Samples as the monitor publishes them, in parts.
@@ -72,6 +74,20 @@ inline QVariantMap connection(qint64 in, qint64 out)
             {QStringLiteral("state"), QStringLiteral("Established")},
             {QStringLiteral("bytes_in"), in},
             {QStringLiteral("bytes_out"), out}};
+}
+
+inline QVariantMap fan(float speed)
+{
+    return {{QStringLiteral("ActualSpeed"), speed}};
+}
+
+/// A list of sensors, or of a fan's values, as the monitor hands it out.
+inline QVariantList keys(const QStringList &names)
+{
+    QVariantList list;
+    for (const QString &name : names)
+        list.append(QVariantMap{{QStringLiteral("Key"), name}});
+    return list;
 }
 
 } // namespace pulsebar::samples

@@ -41,6 +41,7 @@ TEST(Format, KnowsWidthsFlagsAndPositions)
 TEST(Format, PrintsWhatIsNoNumber)
 {
     EXPECT_EQ(plainFormat(u"%.0fRPM", std::nan("")), QStringLiteral("nanRPM"));
+    EXPECT_EQ(plainFormat(u"%.0fRPM", -std::nan("")), QStringLiteral("nanRPM"));
     EXPECT_EQ(plainFormat(u"%05.1f", std::numeric_limits<double>::infinity()),
               QStringLiteral("  inf"));
 }
