@@ -14,7 +14,6 @@ namespace pulsebar {
 
 namespace {
 
-constexpr std::size_t firstSize = 4096;
 constexpr std::size_t largestSize = 4U << 20U;
 
 /// The kernel hands out a file of many records in pieces of whole records, so that a short read
@@ -44,6 +43,14 @@ bool isKernelFile(int descriptor)
            (facts.f_type == PROC_SUPER_MAGIC || facts.f_type == SYSFS_MAGIC);
 }
 
+/// Whether an open file has lost what was behind it, so that another may have its name. After any
+/// other failure the file is as good as it was, and asking its driver twice would cost twice.
+bool isGone(int error)
+{
+    return error == ENODEV || error == ENOENT || error == ENXIO || error == ESRCH ||
+           error == ESTALE;
+}
+
 ssize_t readAt(int descriptor, char *target, std::size_t size, std::size_t offset)
 {
     ssize_t count = 0;
@@ -55,8 +62,9 @@ ssize_t readAt(int descriptor, char *target, std::size_t size, std::size_t offse
 
 } // namespace
 
-SmallFile::SmallFile(std::string path)
+SmallFile::SmallFile(std::string path, std::size_t usualSize)
     : m_path(std::move(path))
+    , m_usualSize(usualSize)
 {
 }
 
@@ -68,6 +76,8 @@ SmallFile::~SmallFile()
 SmallFile::SmallFile(SmallFile &&other) noexcept
     : m_path(std::move(other.m_path))
     , m_descriptor(std::exchange(other.m_descriptor, -1))
+    , m_usualSize(other.m_usualSize)
+    , m_error(other.m_error)
     , m_mayBeReplaced(other.m_mayBeReplaced)
     , m_buffer(std::move(other.m_buffer))
     , m_size(std::exchange(other.m_size, 0))
@@ -78,6 +88,8 @@ SmallFile &SmallFile::operator=(SmallFile &&other) noexcept
 {
     std::swap(m_path, other.m_path);
     std::swap(m_descriptor, other.m_descriptor);
+    std::swap(m_usualSize, other.m_usualSize);
+    std::swap(m_error, other.m_error);
     std::swap(m_mayBeReplaced, other.m_mayBeReplaced);
     std::swap(m_buffer, other.m_buffer);
     std::swap(m_size, other.m_size);
@@ -87,6 +99,8 @@ SmallFile &SmallFile::operator=(SmallFile &&other) noexcept
 bool SmallFile::open()
 {
     m_descriptor = openForReading(m_path);
+    if (m_descriptor < 0)
+        m_error = errno;
     m_mayBeReplaced = m_descriptor >= 0 && !isKernelFile(m_descriptor);
     return m_descriptor >= 0;
 }
@@ -110,13 +124,15 @@ bool SmallFile::wasReplaced() const
 bool SmallFile::fill()
 {
     if (m_buffer.empty())
-        m_buffer.resize(firstSize);
+        m_buffer.resize(m_usualSize);
     m_size = 0;
     for (;;) {
         const auto count =
             readAt(m_descriptor, m_buffer.data() + m_size, m_buffer.size() - m_size, m_size);
-        if (count < 0)
+        if (count < 0) {
+            m_error = errno;
             return false;
+        }
         const bool done = isLastPiece(count, m_buffer.size() - m_size);
         m_size += static_cast<std::size_t>(count);
         if (done)
@@ -135,14 +151,15 @@ std::optional<std::string_view> SmallFile::read()
         close();
     if (m_descriptor < 0 && !open())
         return std::nullopt;
-    if (!fill()) {
-        close();
-        if (!open() || !fill()) {
-            close();
-            return std::nullopt;
-        }
-    }
-    return std::string_view(m_buffer.data(), m_size);
+    if (fill())
+        return std::string_view(m_buffer.data(), m_size);
+    if (!isGone(m_error))
+        return std::nullopt;
+    close();
+    if (open() && fill())
+        return std::string_view(m_buffer.data(), m_size);
+    close();
+    return std::nullopt;
 }
 
 std::optional<std::string> readWholeFile(const std::string &path, std::size_t limit)
@@ -154,7 +171,7 @@ std::optional<std::string> readWholeFile(const std::string &path, std::size_t li
     bool failed = false;
     for (bool done = limit == 0; !done;) {
         const auto size = text.size();
-        const auto room = std::min(limit - size, firstSize);
+        const auto room = std::min(limit - size, SmallFile::kPage);
         text.resize(size + room);
         const auto count = readAt(descriptor, text.data() + size, room, size);
         failed = count < 0;

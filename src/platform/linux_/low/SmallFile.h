@@ -9,11 +9,14 @@
 namespace pulsebar {
 
 /// A kernel file that is read again and again: kept open, read from its start each time.
-/// A file that was missing, was replaced by another of its name, or fails is opened anew.
+/// A file that was missing, was replaced by another of its name, or is gone is opened anew.
 class SmallFile
 {
 public:
-    explicit SmallFile(std::string path);
+    static constexpr std::size_t kPage = 4096;
+
+    /// @param usualSize what the content usually has room in; more is read in several pieces
+    explicit SmallFile(std::string path, std::size_t usualSize = kPage);
     ~SmallFile();
     SmallFile(SmallFile &&other) noexcept;
     SmallFile &operator=(SmallFile &&other) noexcept;
@@ -24,6 +27,8 @@ public:
     /// file is an empty text. Content beyond 4 MiB is left out.
     std::optional<std::string_view> read();
 
+    /// Why the last read() was absent, as errno.
+    int error() const { return m_error; }
     const std::string &path() const { return m_path; }
 
 private:
@@ -34,6 +39,8 @@ private:
 
     std::string m_path;
     int m_descriptor = -1;
+    std::size_t m_usualSize = kPage;
+    int m_error = 0;
     bool m_mayBeReplaced = false;
     std::vector<char> m_buffer;
     std::size_t m_size = 0;
