@@ -485,6 +485,8 @@ std::ptrdiff_t threadCount()
     return std::distance(Folder("/proc/self/task"), Folder());
 }
 
+const std::ptrdiff_t threadsAtStart = threadCount();
+
 bool waitForThreads(std::ptrdiff_t count)
 {
     const auto deadline = std::chrono::steady_clock::now() + 20s;
@@ -495,7 +497,8 @@ bool waitForThreads(std::ptrdiff_t count)
 
 TEST_F(PatientFilesTest, TheThreadEndsWhenNothingSlowIsAskedFor)
 {
-    const auto before = threadCount();
+    const auto before = threadsAtStart;
+    ASSERT_TRUE(waitForThreads(before)); // those of earlier tests may just be ending
     m_options.idle = 20ms;
     files();
     EXPECT_EQ(threadCount(), before);
@@ -508,7 +511,8 @@ TEST_F(PatientFilesTest, TheThreadEndsWhenNothingSlowIsAskedFor)
 
 TEST_F(PatientFilesTest, TheThreadStaysBetweenTwoSamples)
 {
-    const auto before = threadCount();
+    const auto before = threadsAtStart;
+    ASSERT_TRUE(waitForThreads(before)); // those of earlier tests may just be ending
     const auto handle = addSlow("slow", "1");
     std::this_thread::sleep_for(5ms);
     EXPECT_EQ(threadCount(), before + 1);
