@@ -1,0 +1,115 @@
+#include "sensors/PropertyList.h"
+
+#include "sensors/BinaryPropertyList.h"
+
+#include <QString>
+#include <QVariantList>
+#include <QVariantMap>
+
+#include <plist/plist.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <limits>
+#include <memory>
+
+namespace pulsebar {
+
+namespace {
+
+/// The library takes lists apart by recursion. This many tags cannot nest too deep for it, and are
+/// those of a thousand sensors.
+constexpr qsizetype MostTags = 12000;
+constexpr int DeepestNesting = 16;
+
+struct PlistDeleter
+{
+    void operator()(void *node) const { plist_free(node); }
+};
+using Plist = std::unique_ptr<void, PlistDeleter>;
+
+struct TextDeleter
+{
+    void operator()(char *text) const { std::free(text); } // NOLINT(cppcoreguidelines-no-malloc)
+};
+using OwnText = std::unique_ptr<char, TextDeleter>;
+
+std::optional<QVariant> valueOf(plist_t node, int depth);
+
+std::optional<QVariant> arrayOf(plist_t node, int depth)
+{
+    QVariantList list;
+    const std::uint32_t size = plist_array_get_size(node);
+    for (std::uint32_t i = 0; i < size; ++i) {
+        const auto element = valueOf(plist_array_get_item(node, i), depth + 1);
+        if (!element)
+            return std::nullopt;
+        list.append(*element);
+    }
+    return list;
+}
+
+std::optional<QVariant> dictionaryOf(plist_t node, int depth)
+{
+    QVariantMap map;
+    plist_dict_iter place = nullptr;
+    plist_dict_new_iter(node, &place);
+    const OwnText iterator(static_cast<char *>(place));
+    for (;;) {
+        char *key = nullptr;
+        plist_t item = nullptr;
+        plist_dict_next_item(node, place, &key, &item);
+        const OwnText name(key);
+        if (!item)
+            return map;
+        const auto element = valueOf(item, depth + 1);
+        if (!element)
+            return std::nullopt;
+        map.insert(QString::fromUtf8(key), *element);
+    }
+}
+
+QString textOf(plist_t node)
+{
+    std::uint64_t length = 0;
+    const char *text = plist_get_string_ptr(node, &length);
+    return QString::fromUtf8(text, static_cast<qsizetype>(length));
+}
+
+/// Absent when it nests too deep.
+std::optional<QVariant> valueOf(plist_t node, int depth)
+{
+    if (depth > DeepestNesting)
+        return std::nullopt;
+    switch (plist_get_node_type(node)) {
+    case PLIST_ARRAY:
+        return arrayOf(node, depth);
+    case PLIST_DICT:
+        return dictionaryOf(node, depth);
+    case PLIST_STRING:
+        return textOf(node);
+    default:
+        return QVariant();
+    }
+}
+
+bool isTame(const QByteArray &bytes)
+{
+    return isBinaryPropertyList(bytes) ? isTameBinaryPropertyList(bytes, DeepestNesting, MostTags)
+                                       : bytes.count('<') <= MostTags;
+}
+
+} // namespace
+
+std::optional<QVariant> parsePropertyList(const QByteArray &bytes)
+{
+    if (bytes.isEmpty() || bytes.size() > std::numeric_limits<std::int32_t>::max() ||
+        !isTame(bytes))
+        return std::nullopt;
+    plist_t root = nullptr;
+    plist_from_memory(bytes.constData(), static_cast<std::uint32_t>(bytes.size()), &root);
+    const Plist list(root);
+    return list ? valueOf(root, 0) : std::nullopt;
+}
+
+} // namespace pulsebar

@@ -1,0 +1,45 @@
+#include "sensors/SmcLink.h"
+
+#include "sensors/smc/Smc.h"
+
+#include <QLoggingCategory>
+
+namespace pulsebar {
+
+namespace {
+
+Q_LOGGING_CATEGORY(logSensors, "pulsebar.sensors")
+
+} // namespace
+
+SmcLink::Connection::Connection(SmcLink &link)
+    : m_link(link)
+    , m_opened(link.open())
+{
+}
+
+SmcLink::Connection::~Connection()
+{
+    if (m_opened)
+        SMCClose(m_link.m_transport);
+}
+
+SmcLink::SmcLink(SmcTransport &transport)
+    : m_transport(transport)
+{
+}
+
+bool SmcLink::open()
+{
+    QString problem;
+    const int status = SMCOpen(m_transport, [&](std::string_view line) {
+        problem = QString::fromUtf8(line.data(), static_cast<qsizetype>(line.size()));
+    });
+    if (problem != m_problem) {
+        m_problem = problem;
+        qCInfo(logSensors, "%s", problem.isEmpty() ? "SMC found" : qPrintable(problem));
+    }
+    return status == 0;
+}
+
+} // namespace pulsebar
