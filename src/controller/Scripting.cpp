@@ -166,7 +166,11 @@ void Scripting::addMeasuredValues()
     add(
         QStringLiteral("batteryRemain"), [&monitor] { return monitor.batteryRemain(); }, real);
     add(
-        QStringLiteral("temperatures"), [&monitor] { return monitor.CPUTemparatures(); },
+        QStringLiteral("temperatures"),
+        [&monitor] {
+            const QVariant temperatures = monitor.CPUTemparatures();
+            return temperatures.toMap().isEmpty() ? QVariant() : temperatures;
+        },
         dictionary);
     add(
         QStringLiteral("fanMoves"),

@@ -8,7 +8,19 @@ namespace pulsebar {
 
 namespace {
 
-Q_LOGGING_CATEGORY(logSensors, "pulsebar.sensors")
+Q_LOGGING_CATEGORY(logSensors, "pulsebar.sensors", QtInfoMsg)
+
+void tell(const QString &problem)
+{
+    // A machine without sensors, as virtual ones are, has nothing wrong with it.
+    const std::string nothing = smcOpenMessage({SmcOpening::NoService, kSmcSuccess});
+    if (problem.isEmpty())
+        qCDebug(logSensors) << "SMC found";
+    else if (problem == QString::fromStdString(nothing))
+        qCDebug(logSensors).noquote() << problem;
+    else
+        qCWarning(logSensors).noquote() << problem;
+}
 
 } // namespace
 
@@ -37,7 +49,7 @@ bool SmcLink::open()
     });
     if (problem != m_problem) {
         m_problem = problem;
-        qCInfo(logSensors, "%s", problem.isEmpty() ? "SMC found" : qPrintable(problem));
+        tell(problem);
     }
     return status == 0;
 }

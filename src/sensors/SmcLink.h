@@ -7,7 +7,8 @@
 namespace pulsebar {
 
 /// The way to the SMC that the collectors share: opened for one sample, closed after it. That it
-/// cannot be opened is said in the log, once until that changes.
+/// cannot be opened is said in the log, once until that changes; that there is none is not a fault,
+/// and only said to who looks for faults.
 class SmcLink
 {
 public:

@@ -3,13 +3,13 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
-#include <QDirIterator>
 #include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
 #include <QTimer>
 
 #include <csignal>
+#include <filesystem>
 #include <stdexcept>
 
 namespace pulsebar::e2e {
@@ -223,19 +223,18 @@ QByteArray Desktop::settings() const
 
 QString Desktop::useMachine(const QString &kind)
 {
-    const QDir recorded(QStringLiteral(PULSEBAR_FIXTURES "/machines/") + kind);
-    const QDir copy(m_folder.filePath(QStringLiteral("machine")));
-    QDirIterator files(recorded.path(), QDir::Files, QDirIterator::Subdirectories);
-    while (files.hasNext()) {
-        const QString from = files.next();
-        const QString to = copy.filePath(recorded.relativeFilePath(from));
-        QDir().mkpath(QFileInfo(to).path());
-        if (!QFile::copy(from, to))
-            throw std::runtime_error("the recorded machine cannot be copied");
-        QFile::setPermissions(to, QFile::ReadOwner | QFile::WriteOwner);
+    namespace fs = std::filesystem;
+    const fs::path recorded = fs::path(PULSEBAR_FIXTURES "/machines") / kind.toStdString();
+    const fs::path copy = m_folder.filePath(QStringLiteral("machine")).toStdString();
+    // Links stay links: whose device a chip is, they tell.
+    fs::copy(recorded, copy, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+    for (const fs::directory_entry &entry : fs::recursive_directory_iterator(copy)) {
+        if (!entry.is_symlink())
+            fs::permissions(entry, fs::perms::owner_read | fs::perms::owner_write,
+                            fs::perm_options::add);
     }
-    m_environment.insert(QStringLiteral("PULSEBAR_SYSROOT"), copy.path());
-    return copy.path();
+    m_environment.insert(QStringLiteral("PULSEBAR_SYSROOT"), QString::fromStdString(copy));
+    return QString::fromStdString(copy);
 }
 
 std::unique_ptr<Process> Desktop::startProgram(const QStringList &arguments)
