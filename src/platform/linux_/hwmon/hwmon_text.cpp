@@ -1,14 +1,12 @@
 #include "platform/linux_/hwmon/hwmon_text.h"
 
 #include <charconv>
-#include <cstddef>
 #include <system_error>
 
 namespace pulsebar {
 
 namespace {
 
-constexpr std::size_t longestText = 64; // characters
 constexpr std::string_view blanks = " \t\r\n";
 
 std::string_view withoutBlanks(std::string_view text)
@@ -76,14 +74,14 @@ std::optional<std::int64_t> parseHwmonNumber(std::string_view text)
     return number;
 }
 
-std::string readableText(std::string_view text)
+std::string readableText(std::string_view text, std::size_t longest)
 {
     text = withoutBlanks(text);
     text = withoutBlanks(text.substr(0, text.find('\n')));
     std::string readable;
     std::size_t lastCharacter = 0;
     std::size_t count = 0;
-    while (!text.empty() && count < longestText) {
+    while (!text.empty() && count < longest) {
         lastCharacter = readable.size();
         const auto length = lengthOfCharacter(text);
         const auto character = text.substr(0, length);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -12,9 +13,9 @@ namespace pulsebar {
 std::optional<std::int64_t> parseHwmonNumber(std::string_view text);
 
 /// A name or label for people: the first line without blanks at its ends; each control character,
-/// and each byte that is not part of valid UTF-8, becomes U+FFFD; at most 64 characters, of which
-/// the last is then "…".
-std::string readableText(std::string_view text);
+/// and each byte that is not part of valid UTF-8, becomes U+FFFD. Of a text that is longer than
+/// that many characters the last that is left is "…".
+std::string readableText(std::string_view text, std::size_t longest = 64);
 
 /// A file of a chip's folder, by its name.
 struct HwmonFile

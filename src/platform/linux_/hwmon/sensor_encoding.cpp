@@ -31,21 +31,21 @@ std::uint32_t bytesFor(std::int64_t rpm)
 
 } // namespace
 
-SmcValue encodeTemperature(std::int64_t millidegrees)
+EncodedValue encodeTemperature(std::int64_t millidegrees)
 {
     const auto raw = std::clamp(nearestSixtyFourth(millidegrees), coldest, hottest) * 4;
     const auto second = static_cast<std::int8_t>(raw & 0xFF);
     const auto first = (raw - second) / 256;
-    SmcValue value{smcCode("sp78"), 2, {}};
+    EncodedValue value{smcCode("sp78"), 2, {}};
     value.bytes[0] = static_cast<std::uint8_t>(first & 0xFF);
     value.bytes[1] = static_cast<std::uint8_t>(second);
     return value;
 }
 
-SmcValue encodeFanSpeed(std::int64_t rpm)
+EncodedValue encodeFanSpeed(std::int64_t rpm)
 {
     auto rest = std::clamp<std::int64_t>(rpm, 0, fastest);
-    SmcValue value{smcCode("fpe2"), bytesFor(rest), {}};
+    EncodedValue value{smcCode("fpe2"), bytesFor(rest), {}};
     const auto last = value.size - 1;
     value.bytes[last] = static_cast<std::uint8_t>((rest & 0x3F) << 2);
     rest >>= digitBits;
@@ -69,16 +69,16 @@ std::optional<std::int64_t> decodeFanSpeed(std::span<const std::uint8_t> bytes)
     return rpm;
 }
 
-SmcValue encodeCount(std::uint8_t count)
+EncodedValue encodeCount(std::uint8_t count)
 {
-    SmcValue value{smcCode("ui8 "), 1, {}};
+    EncodedValue value{smcCode("ui8 "), 1, {}};
     value.bytes[0] = count;
     return value;
 }
 
-SmcValue encodeTotal(std::uint32_t number)
+EncodedValue encodeTotal(std::uint32_t number)
 {
-    SmcValue value{smcCode("ui32"), 4, {}};
+    EncodedValue value{smcCode("ui32"), 4, {}};
     for (std::size_t i = 0; i < 4; ++i)
         value.bytes[i] = static_cast<std::uint8_t>(number >> (8 * (3 - i)));
     return value;

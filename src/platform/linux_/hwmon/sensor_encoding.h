@@ -18,7 +18,7 @@ constexpr std::uint32_t smcCode(std::string_view text)
 }
 
 /// The value bytes of a key.
-struct SmcValue
+struct EncodedValue
 {
     std::uint32_t type = 0; ///< as smcCode() makes it
     std::uint32_t size = 0;
@@ -29,17 +29,17 @@ struct SmcValue
 /// as signed, so a byte beyond 127 in the second place takes its 256 from the first: what comes out
 /// is the reading to the nearest 1/64 degree. Beyond -128.5 and 127.484375 degrees it is that end
 /// of what can be said.
-SmcValue encodeTemperature(std::int64_t millidegrees);
+EncodedValue encodeTemperature(std::int64_t millidegrees);
 
 /// A speed in revolutions per minute as "fpe2". In two bytes up to 8191; faster ones in three or
 /// four, in digits of six bits, which is how decoders sum the bytes of this type. Exact up to
 /// 33,554,431, which stands for whatever is faster; a negative speed is 0.
-SmcValue encodeFanSpeed(std::int64_t rpm);
+EncodedValue encodeFanSpeed(std::int64_t rpm);
 /// What encodeFanSpeed() encoded; fractions are dropped. Absent for no bytes, more than four, and
 /// a negative sum.
 std::optional<std::int64_t> decodeFanSpeed(std::span<const std::uint8_t> bytes);
 
-SmcValue encodeCount(std::uint8_t count);   ///< "ui8 "
-SmcValue encodeTotal(std::uint32_t number); ///< "ui32", most significant byte first
+EncodedValue encodeCount(std::uint8_t count);   ///< "ui8 "
+EncodedValue encodeTotal(std::uint32_t number); ///< "ui32", most significant byte first
 
 } // namespace pulsebar
