@@ -183,6 +183,7 @@ void *PatientFiles::Shared::runThread(void *argument)
 {
     const std::unique_ptr<std::shared_ptr<Shared>> shared(
         static_cast<std::shared_ptr<Shared> *>(argument));
+    ::pthread_setname_np(::pthread_self(), "patient-files"); // as in `top -H`
     std::unique_lock lock((*shared)->mutex);
     (*shared)->work(lock);
     return nullptr;
