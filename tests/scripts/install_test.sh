@@ -19,7 +19,7 @@ for file in bin/pulsebar bin/pulsebarctl libexec/pulsebar/pulsebar-top \
     share/icons/hicolor/scalable/apps/org.pulsebar.Pulsebar.svg \
     share/icons/hicolor/symbolic/apps/org.pulsebar.Pulsebar-symbolic.svg \
     share/man/man1/{pulsebar,pulsebarctl,pulsebar-top}.1 \
-    share/pulsebar/manual/index.html share/doc/pulsebar/README.md; do
+    share/pulsebar/{Temperature,Fan}.plist share/pulsebar/manual/index.html share/doc/pulsebar/README.md; do
     [ -s "$root/$file" ] || fail "not installed: $file"
 done
 
