@@ -137,7 +137,9 @@ TEST_P(RecordedMachine, TheKernelsInterfacesGiveSevenFigures)
 INSTANTIATE_TEST_SUITE_P(Kinds, RecordedMachine,
                          ::testing::Values(Expected{"laptop", 4, 1}, Expected{"server", 8, 2},
                                            Expected{"board", 3, 1}, Expected{"vm", 2, 1},
-                                           Expected{"container", 2, 0}),
+                                           Expected{"container", 2, 0}, Expected{"desktop", 12, 2},
+                                           Expected{"apple-laptop", 8, 1},
+                                           Expected{"two-batteries", 4, 1}, Expected{"bare", 2, 1}),
                          [](const auto &kind) { return kind.param.machine; });
 
 } // namespace
