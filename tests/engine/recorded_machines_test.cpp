@@ -140,7 +140,7 @@ INSTANTIATE_TEST_SUITE_P(Kinds, RecordedMachine,
                                            Expected{"container", 2, 0}, Expected{"desktop", 12, 2},
                                            Expected{"apple-laptop", 8, 1},
                                            Expected{"two-batteries", 4, 1}, Expected{"bare", 2, 1}),
-                         [](const auto &kind) { return kind.param.machine; });
+                         [](const auto &kind) { return caseNameOf(kind.param.machine); });
 
 } // namespace
 } // namespace pulsebar

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -48,6 +49,13 @@ private:
 inline Sysroot recordedMachine(const std::string &kind)
 {
     return Sysroot(std::string(PULSEBAR_FIXTURES) + "/machines/" + kind);
+}
+
+/// What a test case over a recorded machine is called: letters, digits and underscores.
+inline std::string caseNameOf(std::string machine)
+{
+    std::replace(machine.begin(), machine.end(), '-', '_');
+    return machine;
 }
 
 } // namespace pulsebar
