@@ -9,7 +9,7 @@
 #include <plist/plist.h>
 
 #include <cstdint>
-#include <cstdlib>
+#include <initializer_list>
 #include <limits>
 #include <memory>
 
@@ -28,20 +28,16 @@ struct PlistDeleter
 };
 using Plist = std::unique_ptr<void, PlistDeleter>;
 
-struct TextDeleter
-{
-    void operator()(char *text) const { std::free(text); } // NOLINT(cppcoreguidelines-no-malloc)
-};
-using OwnText = std::unique_ptr<char, TextDeleter>;
+using Keys = std::initializer_list<const char *>;
 
-std::optional<QVariant> valueOf(plist_t node, int depth);
+std::optional<QVariant> valueOf(plist_t node, const Keys &keys, int depth);
 
-std::optional<QVariant> arrayOf(plist_t node, int depth)
+std::optional<QVariant> arrayOf(plist_t node, const Keys &keys, int depth)
 {
     QVariantList list;
     const std::uint32_t size = plist_array_get_size(node);
     for (std::uint32_t i = 0; i < size; ++i) {
-        const auto element = valueOf(plist_array_get_item(node, i), depth + 1);
+        const auto element = valueOf(plist_array_get_item(node, i), keys, depth + 1);
         if (!element)
             return std::nullopt;
         list.append(*element);
@@ -49,24 +45,21 @@ std::optional<QVariant> arrayOf(plist_t node, int depth)
     return list;
 }
 
-std::optional<QVariant> dictionaryOf(plist_t node, int depth)
+/// Only what is asked for: the library ends the program over a key with a zero in it, when it is to
+/// hand it out.
+std::optional<QVariant> dictionaryOf(plist_t node, const Keys &keys, int depth)
 {
     QVariantMap map;
-    plist_dict_iter place = nullptr;
-    plist_dict_new_iter(node, &place);
-    const OwnText iterator(static_cast<char *>(place));
-    for (;;) {
-        char *key = nullptr;
-        plist_t item = nullptr;
-        plist_dict_next_item(node, place, &key, &item);
-        const OwnText name(key);
+    for (const char *key : keys) {
+        const plist_t item = plist_dict_get_item(node, key);
         if (!item)
-            return map;
-        const auto element = valueOf(item, depth + 1);
+            continue;
+        const auto element = valueOf(item, keys, depth + 1);
         if (!element)
             return std::nullopt;
         map.insert(QString::fromUtf8(key), *element);
     }
+    return map;
 }
 
 QString textOf(plist_t node)
@@ -77,15 +70,15 @@ QString textOf(plist_t node)
 }
 
 /// Absent when it nests too deep.
-std::optional<QVariant> valueOf(plist_t node, int depth)
+std::optional<QVariant> valueOf(plist_t node, const Keys &keys, int depth)
 {
     if (depth > DeepestNesting)
         return std::nullopt;
     switch (plist_get_node_type(node)) {
     case PLIST_ARRAY:
-        return arrayOf(node, depth);
+        return arrayOf(node, keys, depth);
     case PLIST_DICT:
-        return dictionaryOf(node, depth);
+        return dictionaryOf(node, keys, depth);
     case PLIST_STRING:
         return textOf(node);
     default:
@@ -101,7 +94,8 @@ bool isTame(const QByteArray &bytes)
 
 } // namespace
 
-std::optional<QVariant> parsePropertyList(const QByteArray &bytes)
+std::optional<QVariant> parsePropertyList(const QByteArray &bytes,
+                                          std::initializer_list<const char *> keys)
 {
     if (bytes.isEmpty() || bytes.size() > std::numeric_limits<std::int32_t>::max() ||
         !isTame(bytes))
@@ -109,7 +103,7 @@ std::optional<QVariant> parsePropertyList(const QByteArray &bytes)
     plist_t root = nullptr;
     plist_from_memory(bytes.constData(), static_cast<std::uint32_t>(bytes.size()), &root);
     const Plist list(root);
-    return list ? valueOf(root, 0) : std::nullopt;
+    return list ? valueOf(root, keys, 0) : std::nullopt;
 }
 
 } // namespace pulsebar

@@ -114,7 +114,7 @@ QVariantList firstList(const QStringList &folders, const QString &file, SensorLi
 
 SensorListReading parseSensorList(const QByteArray &bytes, SensorListKind kind)
 {
-    const std::optional<QVariant> list = parsePropertyList(bytes);
+    const std::optional<QVariant> list = parsePropertyList(bytes, {"Key", "SMCKey"});
     if (!list)
         return unusable("not a property list");
     if (list->typeId() != QMetaType::QVariantList)

@@ -39,11 +39,13 @@ public:
         *key = {name, type, bytes, {}};
         return *key;
     }
-    /// A temperature whose second byte is below 0x80, which is what decodes to itself.
+    /// A temperature such that the client, which takes the second byte as signed, reads this.
     Key &setDegrees(const std::string &name, int whole, int sixtyFourths = 0)
     {
+        const int raw = whole * 256 + sixtyFourths * 4;
+        const int low = static_cast<std::int8_t>(raw);
         return set(name, "sp78",
-                   {static_cast<std::uint8_t>(whole), static_cast<std::uint8_t>(sixtyFourths * 4)});
+                   {static_cast<std::uint8_t>((raw - low) / 256), static_cast<std::uint8_t>(low)});
     }
     Key &setFans(int count) { return set("FNum", "ui8 ", {static_cast<std::uint8_t>(count)}); }
     Key &setRpm(const std::string &name, int rpm)
