@@ -163,6 +163,9 @@ std::optional<QString> listText(const QVariantList &list)
     }
     if (texts.isEmpty())
         return std::nullopt;
+    // A list that began with a plain brace could read as an object.
+    if (texts.front().startsWith(u'{'))
+        texts.front() = u'"' + texts.front() + u'"';
     return texts.join(QLatin1String(", "));
 }
 

@@ -147,6 +147,9 @@ TEST(SettingsFormat, TextsComeBackExactly)
     EXPECT_EQ(roundTrip(withMark), withMark);
     const QStringList list{s("a, b"), s(" c "), QString(), s("\"")};
     EXPECT_EQ(roundTrip(list), list);
+    // Between the braces, quoted words make it look like an object.
+    const QStringList braced{s("{ow"), s("in \"b\""), s("1}")};
+    EXPECT_EQ(roundTrip(braced), braced);
 }
 
 TEST(SettingsFormat, NumbersArePlainDecimal)
