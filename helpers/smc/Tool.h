@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/SensorNames.h"
+#include "platform/SmcTransport.h"
+#include "smc/Options.h"
+
+#include <cstdio>
+#include <functional>
+
+namespace pulsebar::smc {
+
+inline constexpr int kDone = 0;
+inline constexpr int kFailed = 1;
+
+/// What the program works on and writes to.
+struct Surroundings
+{
+    SmcTransport &controller;
+    const SensorNames &names;
+    std::FILE *out = stdout;
+    std::FILE *errors = stderr;
+    /// Lets some time pass, after which slow sensors may have a reading.
+    std::function<void()> wait = {};
+};
+
+/// Does what was asked for, but for Action::Help and Action::Version.
+/// @return kDone; kFailed, after a line to `errors`, when there is no controller or no such key, or
+///     when it could not be read or written
+int run(const Options &options, const Surroundings &surroundings);
+
+} // namespace pulsebar::smc
