@@ -49,8 +49,7 @@ class RecordedMachine : public ::testing::TestWithParam<Expected>
 protected:
     RecordedMachine()
     {
-        fs::copy(recordedMachine(GetParam().machine).path("/"), m_machine.folder(),
-                 fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+        copyRecordedMachine(GetParam().machine, m_machine);
         m_platform = makeLinuxPlatform(m_machine.root());
         const MonitorSources sources{m_platform->coreTicks.get(),
                                      m_platform->interfaceCounters.get(),

@@ -51,6 +51,14 @@ inline Sysroot recordedMachine(const std::string &kind)
     return Sysroot(std::string(PULSEBAR_FIXTURES) + "/machines/" + kind);
 }
 
+/// Fills a machine with the files of a recorded one, to be changed.
+inline void copyRecordedMachine(const std::string &kind, const TemporaryMachine &machine)
+{
+    using Options = std::filesystem::copy_options;
+    std::filesystem::copy(recordedMachine(kind).path("/"), machine.folder(),
+                          Options::recursive | Options::copy_symlinks);
+}
+
 /// What a test case over a recorded machine is called: letters, digits and underscores.
 inline std::string caseNameOf(std::string machine)
 {
