@@ -1,6 +1,7 @@
 #include "app/Application.h"
 
 #include "app/CommandLine.h"
+#include "app/DataFolders.h"
 #include "app/Display.h"
 #include "app/HelperPaths.h"
 #include "app/Manuals.h"
@@ -14,6 +15,11 @@
 #include "engine/TopMonitor.h"
 #include "platform/Desktop.h"
 #include "platform/Platform.h"
+#include "sensors/Battery.h"
+#include "sensors/Fans.h"
+#include "sensors/SensorLists.h"
+#include "sensors/SmcLink.h"
+#include "sensors/Temperatures.h"
 #include "statusitem/PanelStatusItem.h"
 #include "views/DetailWindow.h"
 #include "views/MenuViews.h"
@@ -41,6 +47,29 @@ void endProgram()
     QCoreApplication::exit(EXIT_SUCCESS);
 }
 
+/// The collectors of what sensors tell, with what they share.
+struct Sensors
+{
+    explicit Sensors(const Platform &platform)
+        : Sensors(platform, readSensorLists(dataFolders(QCoreApplication::applicationDirPath())))
+    {
+    }
+
+    SmcLink smc;
+    Temperatures temperatures;
+    Fans fans;
+    Battery battery;
+
+private:
+    Sensors(const Platform &platform, const SensorLists &lists)
+        : smc(*platform.smc)
+        , temperatures(smc, lists.temperature, platform.sensorNames.get())
+        , fans(smc, lists.fan)
+        , battery(*platform.battery)
+    {
+    }
+};
+
 /// Everything that lives as long as the program, in the order in which it is made.
 class Program
 {
@@ -50,6 +79,7 @@ public:
         , m_desktop(makeDesktop())
         , m_settings(Settings::standardFileName())
         , m_statusItem(surroundings())
+        , m_sensors(*m_platform)
         , m_monitor(sources(), SamplerCommand{samplerPath})
         , m_detailWindow([this] { return newestReport(); })
         , m_application(m_desktop.urlOpener.get(),
@@ -65,13 +95,16 @@ public:
     Scripting &scripting() { return m_scripting; }
 
 private:
-    MonitorSources sources() const
+    MonitorSources sources()
     {
         MonitorSources sources;
         sources.coreTicks = m_platform->coreTicks.get();
         sources.interfaces = m_platform->interfaceCounters.get();
         sources.disks = m_platform->diskCounters.get();
         sources.icons = m_platform->processIcons.get();
+        sources.battery = &m_sensors.battery;
+        sources.temperatures = &m_sensors.temperatures;
+        sources.fans = &m_sensors.fans;
         sources.workspace = m_platform->workspace.get();
         return sources;
     }
@@ -143,6 +176,7 @@ private:
     Desktop m_desktop;
     Settings m_settings;
     PanelStatusItem m_statusItem;
+    Sensors m_sensors;
     TopMonitor m_monitor;
     DetailWindow m_detailWindow;
     QuestionBoxes m_questions;

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "platform/BatterySource.h"
 #include "platform/Counters.h"
 #include "platform/LoginItems.h"
 #include "platform/ProcessIcons.h"
 #include "platform/ProcessTable.h"
 #include "platform/Processes.h"
+#include "platform/SensorNames.h"
+#include "platform/SmcTransport.h"
 #include "platform/SystemFacts.h"
 #include "platform/Workspace.h"
 
@@ -26,6 +29,10 @@ struct Platform
     std::unique_ptr<ProcessTable> processTable;
     std::unique_ptr<Workspace> workspace;
     std::unique_ptr<LoginItems> loginItems;
+    std::unique_ptr<BatterySource> battery;
+    /// Shared, because one object may be both: what measures the sensors is what knows their names.
+    std::shared_ptr<SmcTransport> smc;
+    std::shared_ptr<SensorNames> sensorNames;
 };
 
 /// The platform this build is for. Opens no file and no socket before something is asked.

@@ -1,6 +1,7 @@
 #include "app/DataFolders.h"
 #include "support/QtPrinting.h"
 
+#include <QFileInfo>
 #include <QStandardPaths>
 
 #include <gtest/gtest.h>
@@ -19,6 +20,13 @@ TEST(DataFolders, TheUsersOwnComesFirst)
     qunsetenv("XDG_DATA_HOME");
     EXPECT_TRUE(
         dataFolders(QString()).constFirst().endsWith(QStringLiteral("/.local/share/pulsebar")));
+}
+
+TEST(DataFolders, TheBuildTreeHasTheSensorLists)
+{
+    const QString folder = dataFolders(QStringLiteral(PULSEBAR_PROGRAMS)).at(1);
+    EXPECT_TRUE(QFileInfo(folder + QStringLiteral("/Temperature.plist")).isFile());
+    EXPECT_TRUE(QFileInfo(folder + QStringLiteral("/Fan.plist")).isFile());
 }
 
 } // namespace

@@ -8,8 +8,29 @@
 #include "platform/linux_/NetlinkInterfaces.h"
 #include "platform/linux_/ProcCoreTicks.h"
 #include "platform/linux_/SysBlockDisks.h"
+#include "platform/linux_/SysPowerSupplies.h"
+#include "platform/linux_/hwmon/HwmonSmc.h"
+
+#include <QLoggingCategory>
+
+#include <utility>
 
 namespace pulsebar {
+
+namespace {
+
+Q_LOGGING_CATEGORY(logSensors, "pulsebar.sensors")
+
+std::shared_ptr<HwmonSmc> makeSmc(const Sysroot &root)
+{
+    HwmonSmc::Options options;
+    options.complain = [](const std::string &text) {
+        qCWarning(logSensors).noquote() << QString::fromStdString(text);
+    };
+    return std::make_shared<HwmonSmc>(root, std::move(options));
+}
+
+} // namespace
 
 std::unique_ptr<Platform> makeLinuxPlatform(const Sysroot &root)
 {
@@ -25,6 +46,10 @@ std::unique_ptr<Platform> makeLinuxPlatform(const Sysroot &root)
     platform->workspace = std::make_unique<DesktopWorkspace>(entries);
     platform->loginItems =
         std::make_unique<AutostartFolder>(AutostartFolder::standardFolder(), qgetenv("PATH"));
+    platform->battery = std::make_unique<SysPowerSupplies>(root);
+    const auto smc = makeSmc(root);
+    platform->smc = smc;
+    platform->sensorNames = smc;
     return platform;
 }
 

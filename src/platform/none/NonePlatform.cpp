@@ -76,6 +76,28 @@ public:
     bool setItems(const QVariantList &) override { return false; }
 };
 
+class NoBattery : public BatterySource
+{
+public:
+    std::optional<std::vector<BatteryInfo>> readBatteries() override { return std::nullopt; }
+};
+
+class NoSmc : public SmcTransport
+{
+public:
+    SmcOpenResult open() override { return {SmcOpening::NoService, kSmcSuccess}; }
+    SmcStatus call(std::uint32_t, const SmcRecord &, SmcRecord &) override { return kSmcNotOpen; }
+    void close() override {}
+};
+
+class NoSensorNames : public SensorNames
+{
+public:
+    std::uint64_t revision() const override { return 0; }
+    std::vector<SensorName> names() const override { return {}; }
+    bool isResting(std::string_view) const override { return false; }
+};
+
 } // namespace
 
 std::unique_ptr<Platform> makeNonePlatform()
@@ -90,6 +112,9 @@ std::unique_ptr<Platform> makeNonePlatform()
     platform->processTable = std::make_unique<NoProcessTable>();
     platform->workspace = std::make_unique<NoWorkspace>();
     platform->loginItems = std::make_unique<NoLoginItems>();
+    platform->battery = std::make_unique<NoBattery>();
+    platform->smc = std::make_shared<NoSmc>();
+    platform->sensorNames = std::make_shared<NoSensorNames>();
     return platform;
 }
 
