@@ -1,6 +1,7 @@
 // The real program in real panels: its menu opened, read and used with the mouse.
 #include "e2e/MenuClient.h"
 #include "e2e/RunningProgram.h"
+#include "e2e/SensorMachine.h"
 #include "e2e/WindowManager.h"
 #include "e2e/panel/ShownMenu.h"
 
@@ -72,9 +73,13 @@ protected:
         startPanel();
         screen.point(aside);
         empty = screen.lookWhenStill();
+        prepareMachine();
         program = std::make_unique<RunningProgram>(desktop);
         item = whereTheItemIs();
     }
+
+    /// Called before the program is started.
+    virtual void prepareMachine() {}
 
     void startPanel()
     {
@@ -247,6 +252,57 @@ TEST_P(PanelMenuUseTest, ShowsAndEndsAProcessThatWasStartedSince)
 INSTANTIATE_TEST_SUITE_P(, PanelMenuUseTest,
                          testing::Values(Way{"mate", "mate", "automatic", kRight},
                                          Way{"xfce", "xfce", "icon", kLeft},
+                                         Way{"lxqt", "lxqt", "automatic", kRight},
+                                         Way{"own", "", "automatic", kLeft}),
+                         [](const auto &way) { return std::string(way.param.name); });
+
+/// Temperatures and fans of a machine that is not this one.
+class PanelSensorsTest : public PanelMenuTest
+{
+protected:
+    void prepareMachine() override
+    {
+        SensorMachine machine(desktop.useMachine(QStringLiteral("vm")));
+        addSensor(machine, 0, "coretemp", "Package id 0", "61000");
+        addSensor(machine, 1, "nvme", "Composite", "38000");
+        machine.setChip(2, QStringLiteral("fan1_input"), "12800");
+        machine.addChip(2, "nct6775");
+        QFile settings(desktop.settingsFile());
+        ASSERT_TRUE(settings.open(QIODevice::Append));
+        settings.write("titleTypesToDisplay=10, 11\n");
+    }
+
+    static void addSensor(SensorMachine &machine, int number, const QByteArray &chip,
+                          const QByteArray &label, const QByteArray &reading)
+    {
+        machine.setChip(number, QStringLiteral("temp1_label"), label);
+        machine.setChip(number, QStringLiteral("temp1_input"), reading);
+        machine.addChip(number, chip);
+    }
+};
+
+// The degree signs are read as anything.
+TEST_P(PanelSensorsTest, ShowsTemperaturesAndFans)
+{
+    EXPECT_EQ(program->title(), QStringLiteral("CPU:61\u2103 | 12800RPM"));
+    ShownMenu temperatures = openMenu();
+    temperatures.openSubmenu(QStringLiteral("CPU Die: ?61.?0"));
+    temperatures.row(QStringLiteral("NVMe Drive: ?38.?0"));
+    keep("temperatures");
+    for (int level = 0; level < 2; ++level)
+        screen.type(QStringLiteral("Escape"));
+    ASSERT_TRUE(temperatures.waitUntilClosed());
+
+    ShownMenu fans = openMenu();
+    fans.openSubmenu(QStringLiteral("Fan: ?12800RPM"));
+    fans.row(QStringLiteral("Maximum: ?12800.?0RPM"));
+    keep("fan");
+    fans.choose(QStringLiteral("Actual: ?12800RPM"));
+    EXPECT_TRUE(waitFor([this] { return program->title() == QStringLiteral("12800RPM"); }));
+}
+
+INSTANTIATE_TEST_SUITE_P(, PanelSensorsTest,
+                         testing::Values(Way{"mate", "mate", "automatic", kRight},
                                          Way{"lxqt", "lxqt", "automatic", kRight},
                                          Way{"own", "", "automatic", kLeft}),
                          [](const auto &way) { return std::string(way.param.name); });
