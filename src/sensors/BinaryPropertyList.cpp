@@ -47,8 +47,8 @@ private:
             return std::nullopt;
         std::uint64_t value = 0;
         for (std::uint64_t i = 0; i < size; ++i) {
-            const char byte = m_bytes[static_cast<qsizetype>(position + i)];
-            value = value << 8U | static_cast<std::uint8_t>(byte);
+            const auto byte = static_cast<std::uint8_t>(m_bytes.constData()[position + i]);
+            value = value << 8U | byte;
         }
         return value;
     }

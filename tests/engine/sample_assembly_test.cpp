@@ -235,6 +235,7 @@ TEST_F(SampleAssemblyTest, SensorsGetTheirRecordsAndEvents)
 
 TEST_F(SampleAssemblyTest, FansThatComeAndGoKeepTheAverageLast)
 {
+    observe(18, 500);
     m_fans.answer = fakes::fanMove({1000.0F});
     sample();
     m_fans.answer = fakes::fanMove({1000.0F, 2000.0F, 3000.0F});
@@ -245,7 +246,35 @@ TEST_F(SampleAssemblyTest, FansThatComeAndGoKeepTheAverageLast)
     EXPECT_EQ(m_caches.fanMove.back(), (UsageCache{1000.0F, 2000.0F, 3000.0F}));
     m_fans.answer = QVariantMap{{QStringLiteral("DataArray"), QVariantList()},
                                 {QStringLiteral("AverageSpeed"), std::nanf("")}};
-    EXPECT_EQ(sample().value(QStringLiteral("FanMoveMinutesStats")).toList().size(), 1);
+    const QVariantList records = sample().value(QStringLiteral("FanMoveMinutesStats")).toList();
+    ASSERT_EQ(records.size(), 1);
+    const QVariant average = records[0].toMap().value(QStringLiteral("CurrentValue"));
+    EXPECT_TRUE(std::isnan(average.toFloat()));
+    EXPECT_TRUE(m_fired.isEmpty()); // 500 was never reached from below
+}
+
+TEST_F(SampleAssemblyTest, ASensorThatWasAwayGoesOnWhereItStopped)
+{
+    m_settings.observeArray = {
+        QVariantMap{{QStringLiteral("type"), 17},
+                    {QStringLiteral("threshold"), 60},
+                    {QStringLiteral("temperaturePart"), QStringLiteral("Disk")}}};
+    m_temperatures.answer = QVariantMap{{QStringLiteral("Disk"), 50.0}};
+    sample();
+    m_temperatures.answer = QVariantMap();
+    const QVariantMap without = sample();
+    EXPECT_EQ(without.value(QStringLiteral("CPUTemparaturesMinutesStats")),
+              QVariant(QVariantMap()));
+    EXPECT_TRUE(m_fired.isEmpty());
+    m_temperatures.answer = QVariantMap{{QStringLiteral("Disk"), 60.0}};
+    const QVariantMap back = sample();
+    EXPECT_EQ(back.value(QStringLiteral("CPUTemparaturesMinutesStats"))
+                  .toMap()
+                  .value(QStringLiteral("Disk"))
+                  .toMap()
+                  .value(QStringLiteral("LastValue")),
+              QVariant(50.0));
+    EXPECT_EQ(m_fired, m_settings.observeArray);
 }
 
 TEST_F(SampleAssemblyTest, BatteryIsReadOncePerSampleAndOnlyWhenSwitchedOn)

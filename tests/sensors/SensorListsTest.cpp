@@ -1,5 +1,6 @@
 #include "sensors/SensorLists.h"
 
+#include "sensors/BinaryPropertyList.h"
 #include "sensors/PropertyList.h"
 #include "support/LogCapture.h"
 #include "support/QtPrinting.h"
@@ -231,6 +232,9 @@ TEST(PropertyList, FewBytesCannotStandForMillions)
 {
     EXPECT_TRUE(isRead(bomb(3)));
     EXPECT_FALSE(isRead(bomb(12)));
+    EXPECT_TRUE(isTameBinaryPropertyList(bomb(3), 3, 1111));
+    EXPECT_FALSE(isTameBinaryPropertyList(bomb(3), 2, 1111));
+    EXPECT_FALSE(isTameBinaryPropertyList(bomb(3), 3, 1110));
 }
 
 TEST(PropertyList, AnArrayWithinItselfIsRefused)

@@ -63,6 +63,8 @@ TEST(SmcDecode, WhatIsShiftedOutIsLost)
 {
     EXPECT_EQ(integer({0xFF, 0x01, 0x02, 0x03, 0x04}, 16), 0x01020304U);
     EXPECT_EQ(integer(Bytes(32, 0xFF), 10), 255U);
+    EXPECT_EQ(fixedPoint({0x01, 0, 0, 0, 0, 0}), 1073741824.0F);
+    EXPECT_EQ(fixedPoint({0x04, 0, 0, 0, 0, 0}), 0.0F);
     EXPECT_EQ(fixedPoint(Bytes(32, 0)), 0.0F);
     Bytes wide(32, 0);
     wide.front() = 0x7F;

@@ -64,13 +64,25 @@ TEST_F(Smc, AFailingCallEndsTheReadingAtOnce)
     m_smc.setDegrees("Bad1", 40).infoStatus = kSmcIoError;
     EXPECT_EQ(SMCReadKey("Bad1", m_value, m_smc), kSmcIoError);
     EXPECT_EQ(m_smc.calls.size(), 1U);
-    EXPECT_EQ(m_value.size, 0U);
 
     m_smc.setDegrees("Bad2", 40).bytesStatus = kSmcNotPrivileged;
     EXPECT_EQ(SMCReadKey("Bad2", m_value, m_smc), kSmcNotPrivileged);
     EXPECT_EQ(m_value.size, 2U);
     EXPECT_EQ(m_value.bytes[0], 0);
     EXPECT_EQ(SMCGetTemperature("Bad2", m_smc), 0.0);
+}
+
+TEST_F(Smc, WhatAValueHeldBeforeIsGoneInAnyCase)
+{
+    m_value.size = 7;
+    m_value.type = {'u', 'i', '8', ' ', '\0'};
+    m_value.bytes.fill(0xAA);
+    m_smc.setDegrees("Bad1", 40).infoStatus = kSmcIoError;
+    SMCReadKey("Bad1", m_value, m_smc);
+    EXPECT_EQ(m_value.size, 0U);
+    EXPECT_STREQ(m_value.key.data(), "Bad1");
+    EXPECT_STREQ(m_value.type.data(), "");
+    EXPECT_EQ(m_value.bytes, (std::array<std::uint8_t, 32>{}));
 }
 
 TEST_F(Smc, KeysOfOtherLengthsAreCutOrFilledUp)

@@ -180,14 +180,14 @@ TEST_F(SmcTool, FansWithTheirSpeeds)
 
 TEST_F(SmcTool, TheModeIsABitOfSixteen)
 {
-    m_smc.setFans(18);
+    m_smc.setFans(40);
     m_smc.set("FS! ", "ui16", {0x81, 0x80});
     const std::string text = written([&](std::FILE *out) { SMCPrintFans(m_smc, out); });
     std::string modes;
     for (std::size_t at = text.find("Mode"); at != std::string::npos;
          at = text.find("Mode", at + 1))
         modes += text.substr(at).find("forced") == 15 ? 'f' : 'a';
-    EXPECT_EQ(modes, "aaaaaaaffaaaaaafaa");
+    EXPECT_EQ(modes, "aaaaaaaffaaaaaaf" + std::string(24, 'a'));
 }
 
 TEST_F(SmcTool, WithoutANumberOfFansThereAreNone)
