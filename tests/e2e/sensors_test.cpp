@@ -181,6 +181,23 @@ TEST_F(SensorsTest, BatteryIsPluggedAndUnplugged)
     EXPECT_TRUE(waitForTitle(program, s("49.0%")));
 }
 
+TEST_F(SensorsTest, RotationTakesTheSensorsInTurn)
+{
+    machine.addBattery(50, false);
+    machine.setChip(kPackage, kFan, "1000");
+    // Of the numbers 1 to 12 the battery, the temperature and the fans.
+    desktop.writeSettings(
+        "[General]\nrefreshSec=1\ntitleTypesToDisplay=7\ntoggleTitleOptionArray="
+        "false, false, false, true, false, false, false, false, false, true, true, "
+        "false\n");
+    RunningProgram program(desktop);
+    for (const QString &title : {s("50.0%"), s("CPU:45\u2103"), s("1000RPM"), s("50.0%")})
+        EXPECT_TRUE(waitForTitle(program, title)) << title.toStdString();
+    machine.setSupply(s("BAT0"), s("present"), "0");
+    for (const QString &title : {s("CPU:45\u2103"), s("1000RPM"), s("CPU:45\u2103")})
+        EXPECT_TRUE(waitForTitle(program, title)) << title.toStdString();
+}
+
 TEST_F(SensorsTest, CableAndChargeFireTheirEvents)
 {
     machine.addBattery(50, false);
