@@ -68,34 +68,59 @@ public:
     OpenSmc &operator=(const OpenSmc &) = delete;
 
     bool isOpen() const { return m_result.opening == SmcOpening::Opened; }
-    double degrees(const char *key) { return SMCGetTemperature(key, m_smc); }
-    std::uint32_t rpm(const char *key) { return SMCGetFanRpm(key, m_smc); }
-    SmcStatus status(const char *key)
+    double degrees(const std::string &key) { return SMCGetTemperature(key, m_smc); }
+    std::uint32_t rpm(const std::string &key) { return SMCGetFanRpm(key, m_smc); }
+    SmcStatus status(const std::string &key)
     {
         SmcValue value;
         return SMCReadKey(key, value, m_smc);
     }
-    SmcValue value(const char *key)
+    SmcValue value(const std::string &key)
     {
         SmcValue value;
         SMCReadKey(key, value, m_smc);
         return value;
     }
-    bool has(const char *key) { return value(key).size != 0; }
+    bool has(const std::string &key) { return value(key).size != 0; }
 
 private:
     HwmonSmc &m_smc;
     SmcOpenResult m_result;
 };
 
-/// Samples until every file there is has been read once and is known to be quick.
-inline void settle(HwmonSmc &smc)
+/// Takes samples until one of them says yes. A sample waits a little for first readings, so this
+/// waits for events; a machine that is busy with other things may need more than one.
+template <typename Check> bool sampleUntil(HwmonSmc &smc, Check check)
 {
-    for (int round = 0; round < 5; ++round) {
-        const OpenSmc sample(smc);
-        for (const auto &sensor : smc.names())
-            SMCGetTemperature(sensor.key, smc);
+    for (int round = 0; round < 1000; ++round) {
+        OpenSmc sample(smc);
+        if (check(sample))
+            return true;
     }
+    return false;
+}
+
+/// What a key says once it says anything but nothing.
+inline double degreesOf(HwmonSmc &smc, const std::string &key)
+{
+    double degrees = 0;
+    sampleUntil(smc, [&](OpenSmc &sample) {
+        degrees = sample.degrees(key);
+        return degrees != 0;
+    });
+    return degrees;
+}
+
+inline bool saysOnce(HwmonSmc &smc, const std::string &key, double degrees)
+{
+    return sampleUntil(smc, [&](OpenSmc &sample) { return sample.degrees(key) == degrees; });
+}
+
+/// As many openings as it takes to look at the machine anew.
+inline void relist(HwmonSmc &smc)
+{
+    for (int opening = 0; opening < 4; ++opening)
+        const OpenSmc sample(smc);
 }
 
 inline std::string nameOf(const HwmonSmc &smc, const std::string &key)

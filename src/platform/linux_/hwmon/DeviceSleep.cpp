@@ -21,11 +21,10 @@ void DeviceSleep::beginRound()
 
 void DeviceSleep::beginListing()
 {
-    // What was not asked for since the last listing belongs to a chip that is gone or sleeps more
-    // deeply; it is opened again when it is asked for.
-    std::erase_if(m_files, [this](const auto &entry) {
-        return entry.second.round != m_round && entry.second.listing != m_listing;
-    });
+    // What nobody asked for since the last listing belongs to a chip that is gone, or to what a
+    // device with a word hangs on.
+    std::erase_if(m_files,
+                  [this](const auto &entry) { return entry.second.askedFor != m_listing; });
     ++m_listing;
 }
 
@@ -42,6 +41,7 @@ bool DeviceSleep::isAsleep(const std::vector<std::string> &files)
 RuntimeStatus DeviceSleep::statusOf(const std::string &path)
 {
     StatusFile &status = m_files.try_emplace(path, path).first->second;
+    status.askedFor = m_listing;
     if (status.round == m_round || status.listing == m_listing)
         return status.status;
     const auto text = status.file.read();

@@ -40,8 +40,9 @@ private:
 
         SmallFile file;
         RuntimeStatus status = RuntimeStatus::NoWord;
-        unsigned round = 0;
-        unsigned listing = 0; ///< of the last look that gave no word
+        unsigned round = 0;    ///< of the last look
+        unsigned listing = 0;  ///< of the last look that gave no word
+        unsigned askedFor = 0; ///< the listing after which somebody last wanted to know
     };
 
     RuntimeStatus statusOf(const std::string &path);

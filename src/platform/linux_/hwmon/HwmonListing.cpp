@@ -149,8 +149,7 @@ int HwmonListing::refresh(bool atEverything)
         if (const auto number = parseHwmonFolderName(name))
             numbers.insert(*number);
     });
-    m_turn = m_entries.empty() ? 0 : (m_turn + 1) % m_entries.size();
-    const int inTurn = m_entries.empty() ? -1 : m_entries[m_turn].number;
+    const int inTurn = m_refreshes++ % kRefreshesPerTurn == 0 ? nextInTurn() : -1;
     m_isCut = numbers.size() > kMostChips;
     m_hasChanged = false;
     std::vector<Entry> entries;
@@ -167,6 +166,14 @@ int HwmonListing::refresh(bool atEverything)
     return error;
 }
 
+int HwmonListing::nextInTurn()
+{
+    if (m_entries.empty())
+        return -1;
+    m_turn = (m_turn + 1) % m_entries.size();
+    return m_entries[m_turn].number;
+}
+
 /// Takes what is known of a folder out of the former entries, or walks it.
 HwmonListing::Entry HwmonListing::entryFor(int number, bool lookInside)
 {
@@ -174,13 +181,17 @@ HwmonListing::Entry HwmonListing::entryFor(int number, bool lookInside)
     Entry entry;
     entry.number = number;
     entry.folder = Stamp::of(place);
-    entry.device = Stamp::of(place + "/device");
     const auto known = std::find_if(m_entries.begin(), m_entries.end(),
                                     [number](const Entry &e) { return e.number == number; });
+    // Where the chip's own folder has inputs, the device's does not matter.
+    if (known == m_entries.end() || known->mayHaveFilesAtDevice)
+        entry.device = Stamp::of(place + "/device");
     if (known != m_entries.end() && known->folder.isStill(entry.folder) &&
-        known->device.isStill(entry.device) && !(lookInside && hasOtherInputs(known->chip))) {
+        (!known->mayHaveFilesAtDevice || known->device.isStill(entry.device)) &&
+        !(lookInside && hasOtherInputs(known->chip))) {
         entry.chip = std::move(known->chip);
         entry.isCut = known->isCut;
+        entry.mayHaveFilesAtDevice = known->mayHaveFilesAtDevice;
         return entry;
     }
     walk(place, entry);
@@ -197,6 +208,7 @@ void HwmonListing::walk(const std::string &place, Entry &entry) const
     const auto device = deviceOfChip(folder);
     chip.folder = folder;
     if (!takeInputs(entry)) {
+        entry.mayHaveFilesAtDevice = true;
         chip.folder = folder + "/device";
         if (!takeInputs(entry))
             return;

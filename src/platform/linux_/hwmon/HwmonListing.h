@@ -52,8 +52,8 @@ struct HwmonChip
 };
 
 /// The chips below /sys/class/hwmon, in the order of their numbers. Only folders that are new or
-/// seem changed are walked, and one of the others each time, in turn: the kernel does not tell
-/// when a chip gets another input.
+/// seem changed are walked, and one of the others every fourth time, in turn: the kernel does not
+/// tell when a chip gets another input.
 ///
 /// Old drivers have their files in the folder "device" of the chip's; they are taken from there.
 class HwmonListing
@@ -61,6 +61,7 @@ class HwmonListing
 public:
     static constexpr std::size_t kMostChips = 64;
     static constexpr std::size_t kMostInputs = 64; ///< of a kind, of one chip
+    static constexpr unsigned kRefreshesPerTurn = 4;
 
     explicit HwmonListing(const Sysroot &root);
 
@@ -93,9 +94,11 @@ private:
         Stamp folder;
         Stamp device;
         bool isCut = false;
+        bool mayHaveFilesAtDevice = false; ///< has no inputs in its own folder
         HwmonChip chip;
     };
 
+    int nextInTurn();
     Entry entryFor(int number, bool lookInside);
     void walk(const std::string &place, Entry &entry) const;
     bool takeInputs(Entry &entry) const;
@@ -104,6 +107,7 @@ private:
     Sysroot m_root;
     std::vector<Entry> m_entries;
     std::vector<HwmonChip> m_chips;
+    unsigned m_refreshes = 0;
     std::size_t m_turn = 0;
     bool m_hasChanged = false;
     bool m_isCut = false;

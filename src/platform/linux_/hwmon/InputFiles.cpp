@@ -58,6 +58,8 @@ private:
 
 PatientFiles::Options withLimit(PatientFiles::Options options)
 {
+    if (options.open)
+        return options;
     options.open = [keptOpen = std::make_shared<std::atomic<int>>(0)](const std::string &path) {
         auto file = std::make_shared<LimitedFile>(path, keptOpen);
         return [file](std::string &text) { return file->read(text); };

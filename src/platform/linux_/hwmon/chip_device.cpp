@@ -51,7 +51,7 @@ std::string deviceOfChip(const std::string &folder)
         return device;
     // DEVICE/hwmon/hwmonN; what has no device of its own hangs in /sys/devices/virtual.
     const auto above = parentOf(folder);
-    const auto aboveThat = parentOf(above);
+    auto aboveThat = parentOf(above);
     if (nameOf(above) == "hwmon" && nameOf(aboveThat) != "virtual" && nameOf(aboveThat) != "class")
         return aboveThat;
     return folder;
