@@ -341,7 +341,7 @@ TEST_F(PatientFilesTest, AnOldReadingIsDropped)
 {
     const auto handle = addSlow("file", "1");
     driver("file").hold();
-    pass(*m_time, 30s);
+    pass(*m_time, 75s);
     EXPECT_EQ(read(handle), "1");
     ASSERT_TRUE(driver("file").waitForBegun(2));
     pass(*m_time, 1ms);
@@ -349,6 +349,14 @@ TEST_F(PatientFilesTest, AnOldReadingIsDropped)
     driver("file").answer("2", 5ms);
     driver("file").release();
     EXPECT_TRUE(readsSoon(handle, "2"));
+}
+
+TEST_F(PatientFilesTest, AfterALongPauseTheReadingIsWaitedFor)
+{
+    const auto handle = addSlow("file", "1");
+    pass(*m_time, 3600s);
+    driver("file").answer("2", 5ms);
+    EXPECT_EQ(read(handle), "2");
 }
 
 TEST_F(PatientFilesTest, FailuresAreReadings)

@@ -215,7 +215,7 @@ PatientFiles::~PatientFiles()
     m_shared->wakeThread.notify_all();
 }
 
-PatientFiles::Handle PatientFiles::add(std::string path)
+PatientFiles::Handle PatientFiles::add(const std::string &path)
 {
     auto file = std::make_shared<File>();
     file->readFile = m_options.open(path);
@@ -274,7 +274,13 @@ void PatientFiles::settle(File &file) const
     file.inBackground = file.quickReadings < quickInARow;
 }
 
-/// Asks for a reading, and waits for it where it can be expected soon.
+/// Whether there is a reading that can be handed out.
+bool PatientFiles::hasNew(const File &file) const
+{
+    return file.measured && m_options.now() - file.finished <= m_options.oldest;
+}
+
+/// Asks for a reading, and waits for it where it is missed or can be expected soon.
 /// @return false when there is nobody who would read
 bool PatientFiles::ask(std::unique_lock<std::mutex> &lock, const std::shared_ptr<File> &file)
 {
@@ -284,8 +290,8 @@ bool PatientFiles::ask(std::unique_lock<std::mutex> &lock, const std::shared_ptr
         return true;
     m_shared->queue.push_back(file);
     m_shared->wakeThread.notify_all();
-    const bool soon = !file->measured || file->took <= m_options.quick;
-    if (!soon || m_budgetLeft <= Clock::duration::zero())
+    const bool isWanted = !hasNew(*file) || file->took <= m_options.quick;
+    if (!isWanted || m_budgetLeft <= Clock::duration::zero())
         return true;
     const auto begin = Clock::now();
     m_shared->readingFinished.wait_for(lock, m_budgetLeft, [&] { return !file->asked; });
@@ -302,7 +308,7 @@ FileReading PatientFiles::readInBackground(const std::shared_ptr<File> &file)
         return readHere(*file);
     }
     settle(*file);
-    if (!file->measured || m_options.now() - file->finished > m_options.oldest)
+    if (!hasNew(*file))
         return {};
     m_text = file->text;
     return readingOf(file->error, m_text);

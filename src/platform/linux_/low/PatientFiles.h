@@ -59,8 +59,9 @@ public:
         /// A file that was quick so far is slow after two slow readings in a row (one may be the
         /// scheduler's fault), or after one that took longer than this.
         Clock::duration surelySlow = std::chrono::milliseconds(20);
-        /// A reading older than this is dropped.
-        Clock::duration oldest = std::chrono::seconds(30);
+        /// A reading older than this is dropped. It is longer than the longest time between two
+        /// samples, a minute, since what is handed out was asked for one sample ago.
+        Clock::duration oldest = std::chrono::seconds(75);
         /// A background reading that takes longer does not hold up the others any more: they get
         /// another thread, and this one ends when its driver answers.
         Clock::duration hanging = std::chrono::seconds(2);
@@ -82,7 +83,7 @@ public:
     PatientFiles &operator=(const PatientFiles &) = delete;
 
     /// Adds a file, which need not exist. Nothing is opened yet.
-    Handle add(std::string path);
+    Handle add(const std::string &path);
     /// Forgets a file; it may just be read.
     void remove(Handle handle);
 
@@ -97,6 +98,7 @@ private:
 
     FileReading readHere(File &file);
     void settle(File &file) const;
+    bool hasNew(const File &file) const;
     bool ask(std::unique_lock<std::mutex> &lock, const std::shared_ptr<File> &file);
     FileReading readInBackground(const std::shared_ptr<File> &file);
 
