@@ -361,7 +361,7 @@ TEST(HwmonSmc, SensorsThatAppearAreFollowedWithinFourOpenings)
     EXPECT_EQ(keyOf(smc, "drive 1"), "");
     EXPECT_TRUE(smc.isResting(key));
     OpenSmc sample(smc);
-    EXPECT_FALSE(sample.has(key.c_str()));
+    EXPECT_FALSE(sample.has(key));
     EXPECT_EQ(sample.degrees("Tcp0"), 47.390625);
 }
 

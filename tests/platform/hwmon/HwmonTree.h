@@ -23,9 +23,7 @@ public:
     void plainChip(int number, const std::string &name, const Files &files) const
     {
         const auto folder = "sys/class/hwmon/hwmon" + std::to_string(number);
-        write(folder + "/name", name + '\n');
-        for (const auto &[file, text] : files)
-            write(folder + '/' + file, text + '\n');
+        putFiles(folder, name, files);
     }
 
     /// A chip of a device, such as "pci0000:00/0000:00:18.3", with the links of a real machine.
@@ -34,9 +32,7 @@ public:
     {
         const auto chip = "hwmon" + std::to_string(number);
         const auto folder = "sys/devices/" + device + "/hwmon/" + chip;
-        write(folder + "/name", name + '\n');
-        for (const auto &[file, text] : files)
-            write(folder + '/' + file, text + '\n');
+        putFiles(folder, name, files);
         link(folder + "/device", "sys/devices/" + device);
         link("sys/class/hwmon/" + chip, folder);
     }
@@ -47,6 +43,13 @@ public:
         remove("sys/devices/" + device + "/hwmon/" + chip);
     }
 
+    void putFiles(const std::string &folder, const std::string &name, const Files &files) const
+    {
+        const auto below = folder + '/';
+        write(below + "name", name + '\n');
+        for (const auto &[file, text] : files)
+            write(below + file, text + '\n');
+    }
     void link(const std::string &place, const std::string &target) const
     {
         std::filesystem::create_directories(std::filesystem::path(path(place)).parent_path());

@@ -12,7 +12,6 @@ namespace pulsebar {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::MatchesRegex;
 
 using Sensors = std::vector<FoundSensor>;
