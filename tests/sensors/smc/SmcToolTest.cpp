@@ -110,9 +110,8 @@ TEST_F(SmcTool, TheListGoesOnWhereTheCountEnds)
 {
     m_smc.set("#KEY", "ui32", {0, 0, 1, 1});
     for (int i = 0; i < 256; ++i) {
-        std::array<char, 8> name{};
-        std::snprintf(name.data(), name.size(), "t%03d", i);
-        m_smc.setDegrees(name.data(), 40);
+        const std::string name = "t" + std::to_string(1000 + i).substr(1);
+        m_smc.setDegrees(name, 40);
     }
     EXPECT_EQ(all(), "  #KEY  [ui32]  1 (bytes 00 00 01 01)\n");
     const std::string rest =
