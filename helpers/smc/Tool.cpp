@@ -12,9 +12,6 @@ namespace pulsebar::smc {
 
 namespace {
 
-/// So often slow sensors are waited for.
-constexpr int MostRounds = 5;
-
 std::string inWords(SmcStatus status)
 {
     switch (status) {
@@ -88,23 +85,19 @@ private:
 
     int list()
     {
-        std::vector<std::string> keys;
-        for (const SensorName &sensor : m_names.names())
-            keys.push_back(sensor.key);
-        if (!waitFor(keys))
-            return kFailed;
         SMCPrintAll(m_controller, m_surroundings.out);
         printKeysFrom(SMCReadIndexCount(m_controller), m_controller, m_surroundings.out);
-        if (!keys.empty())
-            listNames();
+        listNames();
         return kDone;
     }
 
     /// Which sensor is behind which key; the table has no place for that.
     void listNames()
     {
-        std::fputs("\nTemperature sensors:\n", m_surroundings.out);
-        for (const SensorName &sensor : m_names.names()) {
+        const std::vector<SensorName> names = m_names.names();
+        if (!names.empty())
+            std::fputs("\nTemperature sensors:\n", m_surroundings.out);
+        for (const SensorName &sensor : names) {
             std::fprintf(m_surroundings.out, "  %-4s  %s: %s\n", sensor.key.c_str(),
                          sensor.name.c_str(), degreesOf(sensor.key).c_str());
         }
@@ -128,8 +121,6 @@ private:
 
     int read()
     {
-        if (!waitFor({m_options.key}))
-            return kFailed;
         SmcValue value;
         const SmcStatus status = SMCReadKey(m_options.key, value, m_controller);
         if (status != kSmcSuccess)
@@ -153,25 +144,6 @@ private:
         const SmcStatus status =
             SMCWriteSimple(m_options.key, m_options.value, m_controller, m_surroundings.errors);
         return status == kSmcSuccess ? kDone : fail(m_options.key + ": " + inWords(status));
-    }
-
-    /// Asks sensors that had no reading yet again, by opening anew. False when that fails.
-    bool waitFor(const std::vector<std::string> &keys)
-    {
-        const auto hasNone = [&](const std::string &key) {
-            SmcValue value;
-            return SMCReadKey(key, value, m_controller) != kSmcSuccess && m_names.isResting(key);
-        };
-        for (int round = 0; round < MostRounds; ++round) {
-            // Each is asked, so that all their first readings begin now.
-            if (std::count_if(keys.begin(), keys.end(), hasNone) == 0)
-                return true;
-            SMCClose(m_controller);
-            m_surroundings.wait();
-            if (!open())
-                return false;
-        }
-        return true;
     }
 
     int fail(const std::string &problem)

@@ -5,7 +5,6 @@
 #include "smc/Options.h"
 
 #include <cstdio>
-#include <functional>
 
 namespace pulsebar::smc {
 
@@ -19,8 +18,6 @@ struct Surroundings
     const SensorNames &names;
     std::FILE *out = stdout;
     std::FILE *errors = stderr;
-    /// Lets some time pass, after which slow sensors may have a reading.
-    std::function<void()> wait = {};
 };
 
 /// Does what was asked for, but for Action::Help and Action::Version.

@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <cstdio>
-#include <thread>
 
 namespace {
 
@@ -15,12 +14,12 @@ constexpr int kNotUnderstood = 2;
 int work(const smc::Options &options)
 {
     HwmonSmc::Options listing;
+    listing.patience = std::chrono::seconds(3);
     listing.complain = [](const std::string &problem) {
         std::fprintf(stderr, "pulsebar-smc: %s\n", problem.c_str());
     };
     HwmonSmc controller(Sysroot::fromEnvironment(), listing);
-    smc::Surroundings surroundings{controller, controller};
-    surroundings.wait = [] { std::this_thread::sleep_for(std::chrono::milliseconds(100)); };
+    const smc::Surroundings surroundings{controller, controller};
     return smc::run(options, surroundings);
 }
 

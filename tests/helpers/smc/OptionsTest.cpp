@@ -59,7 +59,7 @@ TEST(SmcOptions, KeysAndValuesAreLookedAt)
         EXPECT_EQ(parseOptions({"-r", "-k", key}).error,
                   "a key has up to four printable characters");
     for (const std::string &value : {std::string(), std::string("1"), std::string("1g"),
-                                    std::string("0x10"), std::string(66, '0')})
+                                     std::string("0x10"), std::string(66, '0')})
         EXPECT_EQ(parseOptions({"-k", "F0Mn", "-w", value}).error,
                   "a value is 1 to 32 pairs of hexadecimal digits");
     EXPECT_EQ(parseOptions({"-k", "F0Mn", "-w", std::string(64, '0')}).error, "");

@@ -47,32 +47,18 @@ protected:
 
     int act(Action action, const std::string &key = {}, const std::string &value = {})
     {
-        Surroundings surroundings{m_smc, m_names, m_out.file(), m_errors.file(), {}};
-        surroundings.wait = [this] {
-            ++m_waits;
-            EXPECT_FALSE(m_smc.isOpen);
-            if (m_whenWaiting)
-                m_whenWaiting();
-        };
-        return run({action, key, value}, surroundings);
+        return run({action, key, value}, {m_smc, m_names, m_out.file(), m_errors.file()});
     }
     void rest(const std::string &key)
     {
         m_smc.find(key)->bytesStatus = kSmcIoError;
         m_names.resting.insert(key);
     }
-    void wake(const std::string &key)
-    {
-        m_smc.find(key)->bytesStatus = kSmcSuccess;
-        m_names.resting.erase(key);
-    }
 
     FakeSmc m_smc;
     FakeSensorNames m_names;
     TextFile m_out;
     TextFile m_errors;
-    int m_waits = 0;
-    std::function<void()> m_whenWaiting;
 };
 
 TEST_F(SmcProgram, ListsAllKeysAndTellsWhatTheyAre)
@@ -112,29 +98,11 @@ TEST_F(SmcProgram, ASensorThatFailsIsSaidToHave)
               std::string::npos);
 }
 
-TEST_F(SmcProgram, WaitsForSlowSensorsAndNotForOthers)
-{
-    m_smc.setDegrees("Tcp0", 47);
-    m_smc.setDegrees("Tds0", 30);
-    m_names.say({{"Tcp0", "cpu"}, {"Tds0", "disk"}});
-    EXPECT_EQ(act(Action::ListKeys), kDone);
-    EXPECT_EQ(m_waits, 0);
-    rest("Tds0");
-    m_whenWaiting = [&] {
-        if (m_waits == 2)
-            wake("Tds0");
-    };
-    EXPECT_EQ(act(Action::ReadKey, "Tds0"), kDone);
-    EXPECT_EQ(m_waits, 2);
-    EXPECT_NE(m_out.text().find("  Tds0  [sp78]  (bytes 1e 00)\n"), std::string::npos);
-}
-
-TEST_F(SmcProgram, DoesNotWaitForever)
+TEST_F(SmcProgram, ASensorAtRestIsSaidToBe)
 {
     m_smc.setDegrees("Tds0", 30);
     rest("Tds0");
     EXPECT_EQ(act(Action::ReadKey, "Tds0"), kFailed);
-    EXPECT_EQ(m_waits, 5);
     EXPECT_EQ(m_errors.text(), "pulsebar-smc: Tds0 has no reading: at rest\n");
 }
 
@@ -201,15 +169,6 @@ TEST_F(SmcProgram, WithoutAControllerNothingIsDone)
     EXPECT_EQ(m_errors.text(), "Error: no SMC found\nError: no SMC found\n");
     EXPECT_EQ(m_out.text(), "");
     EXPECT_EQ(m_smc.closed, 0);
-}
-
-TEST_F(SmcProgram, AControllerThatGoesMeanwhileIsAFailure)
-{
-    m_smc.setDegrees("Tds0", 30);
-    rest("Tds0");
-    m_whenWaiting = [&] { m_smc.opening = {SmcOpening::NoService, 0}; };
-    EXPECT_EQ(act(Action::ReadKey, "Tds0"), kFailed);
-    EXPECT_EQ(m_errors.text(), "Error: no SMC found\n");
 }
 
 } // namespace

@@ -1,10 +1,13 @@
 #include "platform/hwmon/HwmonTree.h"
+#include "platform/linux_/hwmon/HwmonMachine.h"
 #include "platform/linux_/hwmon/sensor_encoding.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <fstream>
+#include <future>
 #include <set>
 #include <sstream>
 
@@ -513,6 +516,67 @@ TEST(HwmonSmcWriting, GoesThroughTheClient)
     EXPECT_EQ(SMCWriteKey(smc, value), kSmcSuccess);
     EXPECT_EQ(contentOf(machine, std::string("sys/devices/") + nct + "/hwmon/hwmon1/fan1_min"),
               "1000\n");
+}
+
+/// A machine whose second fan does not answer before it is told to.
+class SlowFan : public testing::Test
+{
+protected:
+    SlowFan() { putDesktop(m_tree); }
+    ~SlowFan() override { m_answer.set_value(); }
+
+    PatientFiles::Options options()
+    {
+        PatientFiles::Options options;
+        options.firstBudget = 1ms;
+        options.budget = 1ms;
+        options.open = [answer = std::shared_future<void>(m_answer.get_future())](
+                           const std::string &path) -> PatientFiles::ReadFile {
+            return [answer, path](std::string &text) {
+                if (path.ends_with("fan2_input"))
+                    answer.wait();
+                std::getline(std::ifstream(path), text);
+                return text.empty() ? ENOENT : 0;
+            };
+        };
+        return options;
+    }
+
+    SmcStatus countFans()
+    {
+        EncodedValue count;
+        m_machine.beginRound();
+        return m_machine.read(smcCode("FNum"), count);
+    }
+
+    const HwmonTree m_tree;
+    std::promise<void> m_answer;
+    HwmonMachine m_machine{m_tree.root(), {}, options()};
+};
+
+TEST_F(SlowFan, HidesTheFansForSomeRoundsOnly)
+{
+    ASSERT_EQ(m_machine.list(), 0);
+    for (int round = 0; round < 4; ++round)
+        EXPECT_EQ(countFans(), kSmcIoError) << round;
+    EXPECT_EQ(countFans(), kSmcSuccess);
+    EncodedValue speed;
+    EXPECT_EQ(m_machine.read(smcCode("F0Ac"), speed), kSmcSuccess);
+    EXPECT_EQ(m_machine.read(smcCode("F1Ac"), speed), kSmcIoError);
+    EXPECT_TRUE(m_machine.isResting(smcCode("F1Ac")));
+}
+
+TEST(HwmonSmc, FansAreCountedWithTheirFirstReadings)
+{
+    const HwmonTree machine;
+    putDesktop(machine);
+    HwmonSmc::Options options;
+    options.patience = 20s;
+    HwmonSmc smc(machine.root(), options);
+    OpenSmc sample(smc);
+    EXPECT_EQ(sample.rpm("F0Ac"), 1234U);
+    EXPECT_EQ(sample.rpm("F1Ac"), 12345U);
+    EXPECT_EQ(sample.degrees("Tmb0"), 31.0);
 }
 
 } // namespace

@@ -179,6 +179,13 @@ protected:
         return false;
     }
 
+    /// What a file says that is waited for without end, in the round that is.
+    std::string readsSoonInRound(PatientFiles::Handle handle)
+    {
+        const FileReading reading = files().read(handle);
+        return reading.isValue() ? std::string(reading.text) : "no value";
+    }
+
     /// A file that was found to be slow, at its first reading.
     PatientFiles::Handle addSlow(const std::string &path, const std::string &value)
     {
@@ -242,6 +249,74 @@ TEST_F(PatientFilesTest, TheBudgetIsForAllFilesOfARound)
     const auto waited = std::chrono::steady_clock::now() - begin;
     EXPECT_GE(waited, 90ms);
     EXPECT_LT(waited, 2500ms); // one budget per file would be five seconds
+}
+
+TEST_F(PatientFilesTest, TheFirstRoundOfAFileHasABudgetOfItsOwn)
+{
+    m_options.budget = 0ns;
+    m_options.firstBudget = 20s;
+    driver("late").answer("1");
+    driver("late").hold();
+    const auto handle = files().add("late");
+    std::thread bus([this] {
+        EXPECT_TRUE(driver("late").waitForBegun(1));
+        driver("late").release();
+    });
+    EXPECT_EQ(read(handle), "1");
+    bus.join();
+    // Not one more round has it: this would take the 20 seconds.
+    driver("stuck").hold();
+    const auto stuck = files().add("stuck");
+    files().beginRound();
+    files().beginRound();
+    EXPECT_TRUE(files().read(stuck).isNotYet());
+}
+
+TEST_F(PatientFilesTest, AReadingIsWaitedForInOneRoundOnly)
+{
+    m_options.firstBudget = 20ms;
+    driver("stuck").hold();
+    const auto handle = files().add("stuck");
+    EXPECT_EQ(read(handle), "not yet");
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(read(handle), "not yet");
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 15s); // of a budget of 20
+}
+
+TEST_F(PatientFilesTest, WhatIsExpectedIsReadOneAfterAnother)
+{
+    driver("a").answer("1");
+    driver("b").answer("2");
+    const auto a = files().add("a");
+    const auto b = files().add("b");
+    files().beginRound();
+    files().expect(a);
+    files().expect(b);
+    ASSERT_TRUE(driver("b").waitForFinished(1));
+    driver("a").answer("3");
+    EXPECT_EQ(files().read(a).text, "1");
+    EXPECT_EQ(readsSoonInRound(b), "2");
+    EXPECT_EQ(driver("a").begun(), 1);
+    EXPECT_EQ(driver("b").begun(), 1);
+    EXPECT_EQ(read(a), "3");
+    EXPECT_TRUE(driver("a").wasReadHere());
+}
+
+TEST_F(PatientFilesTest, WhatWasExpectedInAnEarlierRoundIsReadAgain)
+{
+    driver("a").answer("1");
+    const auto handle = files().add("a");
+    files().beginRound();
+    files().expect(handle);
+    EXPECT_EQ(readsSoonInRound(handle), "1");
+    const auto late = files().add("late");
+    driver("late").answer("1");
+    files().beginRound();
+    files().expect(late);
+    ASSERT_TRUE(driver("late").waitForFinished(1));
+    driver("late").answer("2");
+    EXPECT_TRUE(readsSoon(late, "2"));
+    files().expect(9999); // nobody's
 }
 
 TEST_F(PatientFilesTest, OfASlowFileTheNewestFinishedReadingIsHandedOut)

@@ -9,6 +9,9 @@ namespace pulsebar {
 
 namespace {
 
+/// In so many rounds all sensors but the slowest have answered once.
+constexpr int roundsForFirstReadings = 5;
+
 constexpr std::uint32_t countOfKeys = smcCode("#KEY");
 constexpr std::uint32_t countOfFans = smcCode("FNum");
 constexpr std::uint32_t processorKey = smcCode("Tcp0");
@@ -45,6 +48,7 @@ SmcStatus statusOf(InputReading::Outcome outcome)
     case InputReading::Outcome::Gone:
         return kSmcNoDevice;
     case InputReading::Outcome::Resting:
+    case InputReading::Outcome::Pending:
     case InputReading::Outcome::Failed:
         break;
     }
@@ -203,8 +207,9 @@ private:
     std::vector<std::string> m_paths;
 };
 
-HwmonMachine::HwmonMachine(const Sysroot &root, Now now)
+HwmonMachine::HwmonMachine(const Sysroot &root, Now now, const PatientFiles::Options &patience)
     : m_listing(root)
+    , m_inputs(patience)
     , m_now(now ? std::move(now) : Now(&std::chrono::steady_clock::now))
 {
 }
@@ -216,6 +221,7 @@ int HwmonMachine::list()
     if (m_listing.hasChanged()) {
         Builder(*this).build();
         m_chipsAtRest.assign(m_listing.chips().size(), std::nullopt);
+        m_roundsOfListing = 0;
         std::erase_if(m_disks, [this](const auto &disk) { return !isListed(disk.first); });
     }
     return error;
@@ -235,6 +241,34 @@ void HwmonMachine::beginRound()
     m_inputs.beginRound();
     m_sleep.beginRound();
     m_chipsAtRest.assign(m_chipsAtRest.size(), std::nullopt);
+    if (m_roundsOfListing == 0)
+        expectFirstReadings();
+    if (m_roundsOfListing < roundsForFirstReadings)
+        ++m_roundsOfListing;
+}
+
+/// All that are awake are read in one go, instead of each being waited for.
+void HwmonMachine::expectFirstReadings()
+{
+    for (const Sensor &sensor : m_sensors) {
+        if (!isChipAtRest(sensor.chip))
+            m_inputs.expect(sensor.input);
+    }
+}
+
+/// Whether fans would seem to stand still because their first readings are not in yet. One that
+/// still does not answer after some rounds does not hide the others any more.
+bool HwmonMachine::areFansPending()
+{
+    if (m_roundsOfListing >= roundsForFirstReadings)
+        return false;
+    bool isPending = false;
+    for (const Sensor &sensor : m_sensors) {
+        const bool isSpeed = sensor.isFan && sensor.writable.empty();
+        if (isSpeed && readingOf(sensor).outcome == InputReading::Outcome::Pending)
+            isPending = true;
+    }
+    return isPending;
 }
 
 std::optional<EncodedValue> HwmonMachine::ownKey(std::uint32_t key) const
@@ -264,6 +298,8 @@ SmcStatus HwmonMachine::describe(std::uint32_t key, EncodedValue &value)
 
 SmcStatus HwmonMachine::read(std::uint32_t key, EncodedValue &value)
 {
+    if (key == countOfFans && areFansPending())
+        return kSmcIoError;
     if (const auto own = ownKey(key)) {
         value = *own;
         return kSmcSuccess;
@@ -321,7 +357,7 @@ bool HwmonMachine::isResting(std::uint32_t key) const
     if (!sensor || m_chipsAtRest[sensor->chip].value_or(false))
         return true;
     const auto outcome = m_inputs.lastReading(sensor->input).outcome;
-    return outcome == InputReading::Outcome::Resting || outcome == InputReading::Outcome::Gone;
+    return outcome != InputReading::Outcome::Value && outcome != InputReading::Outcome::Failed;
 }
 
 SmcStatus HwmonMachine::write(std::uint32_t key, std::span<const std::uint8_t> bytes)

@@ -28,7 +28,8 @@ public:
 
     static constexpr int kMostFans = 100; ///< the keys of later ones would have five characters
 
-    explicit HwmonMachine(const Sysroot &root, Now now = {});
+    explicit HwmonMachine(const Sysroot &root, Now now = {},
+                          const PatientFiles::Options &patience = InputFiles::defaultOptions());
 
     /// Looks at what there is.
     /// @return 0 or the errno of reading the list of chips
@@ -71,6 +72,8 @@ private:
     bool isChipAtRest(std::size_t chip);
     bool isAsleep(const HwmonChip &chip);
     InputReading readingOf(const Sensor &sensor);
+    void expectFirstReadings();
+    bool areFansPending();
     bool isListed(const std::string &rotatingDiskStat) const;
 
     HwmonListing m_listing;
@@ -84,6 +87,7 @@ private:
     std::unordered_map<std::uint32_t, std::size_t> m_byKey;
     std::vector<std::uint32_t> m_keys; ///< in the order of their indices
     int m_fans = 0;
+    int m_roundsOfListing = 0; ///< since new chips were found
     bool m_isCut = false;
 };
 

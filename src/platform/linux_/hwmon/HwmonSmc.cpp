@@ -22,13 +22,23 @@ SmcOpenResult openResultOf(int error, bool hasSensors)
     return {SmcOpening::MatchingFailed, kSmcGeneralError};
 }
 
+PatientFiles::Options inputOptions(const HwmonSmc::Options &options)
+{
+    PatientFiles::Options input = InputFiles::defaultOptions();
+    if (options.patience)
+        input.budget = *options.patience;
+    if (options.patience)
+        input.firstBudget.reset();
+    return input;
+}
+
 } // namespace
 
 class HwmonSmc::Machine
 {
 public:
     Machine(const Sysroot &root, Options options)
-        : m_sensors(root, std::move(options.now))
+        : m_sensors(root, std::move(options.now), inputOptions(options))
         , m_complain(std::move(options.complain))
     {
     }

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,8 +30,9 @@ namespace pulsebar {
 ///   kSmcNotWritable.
 ///
 /// What is there is listed anew at every fourth opening, and at the next one after a file went. A
-/// sensor whose device sleeps is not read. A reading that is not there is a status: kSmcNoDevice
-/// when the device went, else kSmcIoError; isResting() tells whether to wait for it.
+/// sensor whose device sleeps is not read. While fans have not been read once, "FNum" is answered
+/// with kSmcIoError, for some openings at most. A reading that is not there is a status:
+/// kSmcNoDevice when the device went, else kSmcIoError; isResting() tells whether to wait for it.
 ///
 /// At most 64 chips with 64 temperatures and 64 fans each, 100 fans and 1024 temperatures are
 /// taken; what is beyond is left out, and said once to whoever listens.
@@ -42,9 +44,13 @@ public:
     struct Options
     {
         /// Tells for how long a disk had nothing to do; the steady clock when empty.
-        std::function<Clock::time_point()> now;
+        std::function<Clock::time_point()> now = {};
         /// Hears, once, that sensors were left out; in English, for a log.
-        std::function<void(const std::string &)> complain;
+        std::function<void(const std::string &)> complain = {};
+        /// How long an opening's calls wait for first readings, all together. When absent, a tenth
+        /// of a second at the first opening and hardly at all later: whoever samples is not to be
+        /// held up.
+        std::optional<Clock::duration> patience = std::nullopt;
     };
 
     explicit HwmonSmc(const Sysroot &root);

@@ -87,6 +87,14 @@ InputReading::Outcome outcomeOfError(int error)
     }
 }
 
+/// The first title waits for sensors a moment; later ones hardly do.
+PatientFiles::Options InputFiles::defaultOptions()
+{
+    PatientFiles::Options options;
+    options.firstBudget = std::chrono::milliseconds(100);
+    return options;
+}
+
 InputFiles::InputFiles(PatientFiles::Options options)
     : m_files(withLimit(std::move(options)))
 {
@@ -132,6 +140,11 @@ InputReading InputFiles::read(std::size_t number)
     return input.reading;
 }
 
+void InputFiles::expect(std::size_t number)
+{
+    m_files.expect(m_inputs[number].handle);
+}
+
 InputReading InputFiles::lastReading(std::size_t number) const
 {
     const Input &input = m_inputs[number];
@@ -147,7 +160,7 @@ InputReading InputFiles::readAnew(PatientFiles::Handle handle)
 {
     const auto reading = m_files.read(handle);
     if (reading.isNotYet())
-        return {InputReading::Outcome::Resting, 0};
+        return {InputReading::Outcome::Pending, 0};
     if (!reading.isValue())
         return {outcomeOfError(reading.error), 0};
     const auto number = parseHwmonNumber(reading.text);

@@ -16,6 +16,7 @@ struct InputReading
     enum class Outcome {
         Value,
         Resting, ///< it has none now, through no fault of its own
+        Pending, ///< it is being read, and was not read before
         Gone,    ///< its device went
         Failed,
     };
@@ -34,12 +35,16 @@ InputReading::Outcome outcomeOfError(int error);
 class InputFiles
 {
 public:
-    explicit InputFiles(PatientFiles::Options options = {});
+    static PatientFiles::Options defaultOptions();
+
+    explicit InputFiles(PatientFiles::Options options = defaultOptions());
 
     /// The files from now on, numbered from 0. Those that are kept stay open.
     void adopt(const std::vector<std::string> &paths);
     void beginRound();
     InputReading read(std::size_t number);
+    /// Says that a file will be read in this round; see PatientFiles.h.
+    void expect(std::size_t number);
     /// What read() gave in this round; Value 0 where nobody has asked.
     InputReading lastReading(std::size_t number) const;
     /// Has a file read anew in this round: it was written.

@@ -78,9 +78,11 @@ struct PatientFiles::File
     bool inBackground = true;
     int quickReadings = quickInARow - 1; ///< in a row, in the background
     int slowReadings = 0;                ///< in a row, in the calling thread
+    std::uint64_t expectedIn = 0;        ///< the round in which its first reading was asked for
 
     // Under the lock of the shared state while the file is in the background:
     bool asked = false;   ///< queued or being read
+    bool awaited = false; ///< this reading was waited for; it is not again
     bool arrived = false; ///< a reading came in that was not looked at yet
     bool measured = false;
     std::string text;
@@ -220,6 +222,7 @@ PatientFiles::Handle PatientFiles::add(const std::string &path)
     auto file = std::make_shared<File>();
     file->readFile = m_options.open(path);
     m_files.emplace(m_nextHandle, std::move(file));
+    m_hasNewFiles = true;
     return m_nextHandle++;
 }
 
@@ -236,7 +239,9 @@ void PatientFiles::remove(Handle handle)
 
 void PatientFiles::beginRound()
 {
-    m_budgetLeft = m_options.budget;
+    ++m_round;
+    const bool isFirst = std::exchange(m_hasNewFiles, false);
+    m_budgetLeft = isFirst ? m_options.firstBudget.value_or(m_options.budget) : m_options.budget;
 }
 
 FileReading PatientFiles::read(Handle handle)
@@ -280,34 +285,54 @@ bool PatientFiles::hasNew(const File &file) const
     return file.measured && m_options.now() - file.finished <= m_options.oldest;
 }
 
-/// Asks for a reading, and waits for it where it is missed or can be expected soon.
+/// Asks for a reading, unless one is asked for already.
 /// @return false when there is nobody who would read
-bool PatientFiles::ask(std::unique_lock<std::mutex> &lock, const std::shared_ptr<File> &file)
+bool PatientFiles::ask(const std::shared_ptr<File> &file)
 {
     if (!m_shared->ensureThread(m_shared))
         return false;
     if (std::exchange(file->asked, true))
         return true;
+    file->awaited = false;
     m_shared->queue.push_back(file);
     m_shared->wakeThread.notify_all();
-    const bool isWanted = !hasNew(*file) || file->took <= m_options.quick;
-    if (!isWanted || m_budgetLeft <= Clock::duration::zero())
-        return true;
-    const auto begin = Clock::now();
-    m_shared->readingFinished.wait_for(lock, m_budgetLeft, [&] { return !file->asked; });
-    m_budgetLeft -= Clock::now() - begin;
     return true;
+}
+
+/// Waits for the reading that was asked for, where it is missed or can be expected soon.
+void PatientFiles::await(std::unique_lock<std::mutex> &lock, File &file)
+{
+    const bool isWanted = !hasNew(file) || file.took <= m_options.quick;
+    if (!isWanted || m_budgetLeft <= Clock::duration::zero() || std::exchange(file.awaited, true))
+        return;
+    const auto begin = Clock::now();
+    m_shared->readingFinished.wait_for(lock, m_budgetLeft, [&] { return !file.asked; });
+    m_budgetLeft -= Clock::now() - begin;
+}
+
+void PatientFiles::expect(Handle handle)
+{
+    const auto found = m_files.find(handle);
+    if (found == m_files.end() || !found->second->inBackground)
+        return;
+    const std::lock_guard lock(m_shared->mutex);
+    if (!found->second->measured && ask(found->second))
+        found->second->expectedIn = m_round;
 }
 
 FileReading PatientFiles::readInBackground(const std::shared_ptr<File> &file)
 {
     std::unique_lock lock(m_shared->mutex);
+    const bool isIn = file->arrived && file->expectedIn == m_round;
     settle(*file);
-    if (!file->inBackground || !ask(lock, file)) {
+    if (!isIn && (!file->inBackground || !ask(file))) {
         lock.unlock();
         return readHere(*file);
     }
-    settle(*file);
+    if (!isIn) {
+        await(lock, *file);
+        settle(*file);
+    }
     if (!hasNew(*file))
         return {};
     m_text = file->text;

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -54,6 +55,9 @@ public:
     {
         /// How long read() waits in one round, all files together.
         Clock::duration budget = std::chrono::milliseconds(10);
+        /// The same for the first round after files were added, where a larger one spares a first
+        /// sample with gaps; as in any round when absent.
+        std::optional<Clock::duration> firstBudget;
         /// A reading that takes longer is a slow one.
         Clock::duration quick = std::chrono::milliseconds(1);
         /// A file that was quick so far is slow after two slow readings in a row (one may be the
@@ -91,6 +95,9 @@ public:
     void beginRound();
     /// Reads a file. ENOENT for a handle that is not of this set.
     FileReading read(Handle handle);
+    /// Says that a file will be read in this round. Those whose speed is not known are then read
+    /// one after another in the background, instead of being waited for one by one.
+    void expect(Handle handle);
 
 private:
     struct File;
@@ -99,7 +106,8 @@ private:
     FileReading readHere(File &file);
     void settle(File &file) const;
     bool hasNew(const File &file) const;
-    bool ask(std::unique_lock<std::mutex> &lock, const std::shared_ptr<File> &file);
+    bool ask(const std::shared_ptr<File> &file);
+    void await(std::unique_lock<std::mutex> &lock, File &file);
     FileReading readInBackground(const std::shared_ptr<File> &file);
 
     Options m_options;
@@ -107,6 +115,8 @@ private:
     std::unordered_map<Handle, std::shared_ptr<File>> m_files;
     Handle m_nextHandle = 1;
     Clock::duration m_budgetLeft{0};
+    bool m_hasNewFiles = false;
+    std::uint64_t m_round = 0;
     std::string m_text;
 };
 
