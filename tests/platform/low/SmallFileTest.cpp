@@ -4,7 +4,10 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -88,6 +91,22 @@ TEST_F(SmallFileTest, AFolderCannotBeRead)
 {
     SmallFile file(m_folder);
     EXPECT_FALSE(file.read());
+}
+
+TEST(SmallFile, AKernelFileThatLostWhatItWasAboutIsOpenedAnew)
+{
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        ::pause();
+        ::_exit(0);
+    }
+    SmallFile file("/proc/" + std::to_string(child) + "/stat");
+    EXPECT_TRUE(file.read());
+    ::kill(child, SIGKILL);
+    ASSERT_EQ(::waitpid(child, nullptr, 0), child);
+    EXPECT_FALSE(file.read());
+    EXPECT_EQ(file.error(), ENOENT); // what the open one says is ESRCH
 }
 
 TEST(Sysroot, ResolvesBelowItsFolder)
