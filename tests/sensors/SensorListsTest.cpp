@@ -43,7 +43,7 @@ QByteArray toBinary(const QByteArray &xml)
     char *bytes = nullptr;
     std::uint32_t size = 0;
     plist_to_bin(root, &bytes, &size);
-    const QByteArray binary(bytes, static_cast<qsizetype>(size));
+    QByteArray binary(bytes, static_cast<qsizetype>(size));
     std::free(bytes); // NOLINT(cppcoreguidelines-no-malloc)
     plist_free(root);
     return binary;

@@ -43,7 +43,7 @@ public:
     Key &setDegrees(const std::string &name, int whole, int sixtyFourths = 0)
     {
         const int raw = whole * 256 + sixtyFourths * 4;
-        const int low = static_cast<std::int8_t>(raw);
+        const int low = ((raw + 128) & 0xFF) - 128;
         return set(name, "sp78",
                    {static_cast<std::uint8_t>((raw - low) / 256), static_cast<std::uint8_t>(low)});
     }

@@ -15,7 +15,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::Not;
 
 /// What a routine writes.
 std::string written(const std::function<void(std::FILE *)> &routine)
