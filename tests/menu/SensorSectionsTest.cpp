@@ -20,7 +20,6 @@ using samples::keys;
 using samples::record;
 using testing::Each;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr const char *kChooseTemperature = "changeTitleToDisplayType > controller #10";
 constexpr const char *kChooseFans = "changeTitleToDisplayType > controller #11";
