@@ -414,6 +414,8 @@ TEST_F(PatientFilesTest, QuickReadingsAmongSlowOnesChangeNothing)
 
 TEST_F(PatientFilesTest, AnOldReadingIsDropped)
 {
+    m_options.firstBudget = 20s;
+    m_options.budget = 1ms;
     const auto handle = addSlow("file", "1");
     driver("file").hold();
     pass(*m_time, 75s);
