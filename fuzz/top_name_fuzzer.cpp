@@ -1,6 +1,6 @@
-#include "top/ProcessName.h"
-#include "top/UserNames.h"
-#include "top/Utf8.h"
+#include "common/ProcessName.h"
+#include "common/UserNames.h"
+#include "common/Utf8.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -16,10 +16,10 @@ void checkName(std::string_view name)
     bool harmful = name.empty() || name.size() > longest || name.front() == ' ' ||
                    name.back() == ' ' || name.find("  ") != std::string_view::npos;
     std::string again;
-    for (pulsebar::top::Utf8Reader reader(name); !reader.atEnd();) {
+    for (pulsebar::Utf8Reader reader(name); !reader.atEnd();) {
         const auto c = reader.next();
         harmful = harmful || c < ' ' || c == 0x7F;
-        pulsebar::top::appendUtf8(again, c);
+        pulsebar::appendUtf8(again, c);
     }
     if (harmful || again != name)
         std::abort();
@@ -33,10 +33,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const std::string_view text(reinterpret_cast<const char *>(data), size);
     const auto line = text.substr(0, text.find('\n'));
     const auto rest = text.substr(line.size());
-    checkName(pulsebar::top::nameForRow(text));
-    checkName(pulsebar::top::nameForRow(pulsebar::top::completeName(line, rest)));
-    if (pulsebar::top::wordForRow(text).find(' ') != std::string::npos)
+    checkName(pulsebar::nameForRow(text));
+    checkName(pulsebar::nameForRow(pulsebar::completeName(line, rest)));
+    if (pulsebar::wordForRow(text).find(' ') != std::string::npos)
         std::abort();
-    pulsebar::top::findInPasswd(text, 1000);
+    pulsebar::findInPasswd(text, 1000);
     return 0;
 }

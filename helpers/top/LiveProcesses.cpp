@@ -1,12 +1,12 @@
 #include "top/LiveProcesses.h"
 
 #include "platform/linux_/low/SmallFile.h"
+#include "platform/linux_/low/process_clock.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cstring>
-#include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
 #include <string>
@@ -17,24 +17,7 @@ namespace pulsebar::top {
 
 namespace {
 
-constexpr std::uint64_t nsPerSecond = 1'000'000'000;
 constexpr std::uint64_t nsPerTick = 10'000'000; // USER_HZ is 100 for every program
-
-/// The clock of the CPU time of all threads of a process, as the kernel numbers such clocks.
-clockid_t cpuClockOf(pid_t pid)
-{
-    constexpr unsigned wholeProcessScheduled = 2;
-    return static_cast<clockid_t>((~static_cast<unsigned>(pid) << 3U) | wholeProcessScheduled);
-}
-
-std::optional<std::uint64_t> readCpuClock(pid_t pid)
-{
-    timespec time{};
-    if (::clock_gettime(cpuClockOf(pid), &time) != 0)
-        return std::nullopt;
-    return static_cast<std::uint64_t>(time.tv_sec) * nsPerSecond +
-           static_cast<std::uint64_t>(time.tv_nsec);
-}
 
 /// "PID/stat"
 struct StatPath
@@ -69,12 +52,7 @@ LiveProcesses::LiveProcesses()
 
 bool LiveProcesses::works()
 {
-    std::array<char, 24> target{};
-    const auto length = ::readlink("/proc/self", target.data(), target.size());
-    if (length <= 0)
-        return false;
-    const std::string_view self(target.data(), static_cast<std::size_t>(length));
-    return self == std::to_string(::getpid()) && readCpuClock(::getpid()).has_value();
+    return processClocksMatchProc();
 }
 
 bool LiveProcesses::listAll(const ListHint &hint, std::vector<pid_t> &pids)
@@ -89,7 +67,7 @@ bool LiveProcesses::listNew(const ListHint &hint, std::vector<pid_t> &pids)
 
 std::optional<std::uint64_t> LiveProcesses::cpuTime(pid_t pid)
 {
-    return readCpuClock(pid);
+    return readProcessClock(pid);
 }
 
 std::optional<PidStat> LiveProcesses::readKept(KeptFile &file)

@@ -1,11 +1,8 @@
 #include "top/PidLister.h"
 
-#include <sys/syscall.h>
+#include "platform/linux_/low/directory_entries.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cstring>
-#include <string_view>
 #include <unistd.h>
 
 namespace pulsebar::top {
@@ -17,38 +14,6 @@ constexpr std::size_t newListSpace = 2U << 10U;
 /// So many new processes and threads in one interval are a doubt: numbers may have wrapped around,
 /// and the whole list costs little beside them.
 constexpr std::uint64_t manyForks = 1000;
-
-/// An entry as getdents64(2) lays it out: inode, position of the next entry, length, type, name.
-struct Entry
-{
-    std::int64_t next = 0;
-    std::size_t length = 0;
-    std::string_view name;
-};
-
-constexpr std::size_t nextAt = 8;
-constexpr std::size_t lengthAt = 16;
-constexpr std::size_t nameAt = 19;
-
-Entry entryAt(const char *bytes)
-{
-    Entry entry;
-    std::uint16_t length = 0;
-    std::memcpy(&entry.next, bytes + nextAt, sizeof entry.next);
-    std::memcpy(&length, bytes + lengthAt, sizeof length);
-    entry.length = length;
-    entry.name = std::string_view(bytes + nameAt);
-    return entry;
-}
-
-/// The process of a folder's name; 0 for another entry.
-pid_t processOf(std::string_view name)
-{
-    pid_t pid = 0;
-    const char *end = name.data() + name.size();
-    const auto [stop, error] = std::from_chars(name.data(), end, pid);
-    return error == std::errc() && stop == end && pid > 0 ? pid : 0;
-}
 
 } // namespace
 
@@ -82,14 +47,14 @@ bool PidLister::readFrom(std::int64_t position, std::size_t space, Take take)
     m_space.resize(std::max(m_space.size(), space));
     std::int64_t here = -1;
     for (;;) {
-        const auto size = ::syscall(SYS_getdents64, m_folder, m_space.data(), space);
+        const auto size = readDirectoryEntries(m_folder, m_space.data(), space);
         if (size < 0)
             return false;
         if (size == 0)
             return true;
         for (std::size_t at = 0; at < static_cast<std::size_t>(size);) {
-            const auto entry = entryAt(m_space.data() + at);
-            const auto pid = processOf(entry.name);
+            const auto entry = directoryEntryAt(m_space.data() + at);
+            const auto pid = static_cast<pid_t>(numberOfEntry(entry.name).value_or(0));
             if (pid > 0 && !take(pid, here))
                 return true;
             here = entry.next;

@@ -1,9 +1,9 @@
 #include "top/RowDetails.h"
 
+#include "common/ProcessName.h"
 #include "platform/linux_/low/SmallFile.h"
 #include "platform/linux_/low/proc_pid_io.h"
 #include "platform/linux_/low/proc_pid_status.h"
-#include "top/ProcessName.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "common/UserNames.h"
 #include "platform/linux_/low/SmallFile.h"
 #include "platform/linux_/low/Sysroot.h"
 #include "top/Columns.h"
 #include "top/Process.h"
 #include "top/Row.h"
-#include "top/UserNames.h"
 
 #include <unordered_map>
 #include <vector>

@@ -1,7 +1,7 @@
 #include "top/Sampler.h"
 
+#include "common/Output.h"
 #include "top/LiveProcesses.h"
-#include "top/Output.h"
 
 #include <algorithm>
 #include <array>

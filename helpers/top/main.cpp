@@ -1,9 +1,8 @@
+#include "common/Output.h"
+#include "common/Pacer.h"
+#include "common/Parent.h"
 #include "top/Options.h"
-#include "top/Output.h"
-#include "top/Pacer.h"
 #include "top/Sampler.h"
-
-#include <sys/prctl.h>
 
 #include <csignal>
 #include <cstdio>
@@ -19,14 +18,6 @@ using namespace pulsebar::top;
 constexpr std::uint64_t nsPerSecond = 1'000'000'000;
 /// Long enough for a first impression, short enough that the program's title is there at once.
 constexpr std::uint64_t firstInterval = nsPerSecond / 20;
-
-/// Ends this program with the one that started it. False when that one is gone already.
-bool followParent()
-{
-    const auto parent = ::getppid();
-    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
-    return ::getppid() == parent;
-}
 
 void run(const Options &options)
 {

@@ -1,6 +1,6 @@
 #include "top/LiveProcesses.h"
 
-#include "TestFolder.h"
+#include "helpers/common/TestFolder.h"
 #include "platform/linux_/low/SmallFile.h"
 #include "platform/linux_/low/proc_loadavg.h"
 #include "platform/linux_/low/proc_stat.h"

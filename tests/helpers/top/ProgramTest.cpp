@@ -1,5 +1,5 @@
-#include "TestFolder.h"
-#include "top/Output.h"
+#include "helpers/common/TestFolder.h"
+#include "common/Output.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "top/RowDetails.h"
 
-#include "TestFolder.h"
+#include "helpers/common/TestFolder.h"
 
 #include <gtest/gtest.h>
 

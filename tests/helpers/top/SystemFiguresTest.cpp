@@ -1,6 +1,6 @@
 #include "top/SystemFigures.h"
 
-#include "TestFolder.h"
+#include "helpers/common/TestFolder.h"
 
 #include <gtest/gtest.h>
 

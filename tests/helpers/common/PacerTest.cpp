@@ -1,8 +1,8 @@
-#include "top/Pacer.h"
+#include "common/Pacer.h"
 
 #include <gtest/gtest.h>
 
-namespace pulsebar::top {
+namespace pulsebar {
 namespace {
 
 TEST(Pacer, DoesNotDrift)
@@ -32,4 +32,4 @@ TEST(Pacer, AReportThatIsEarlyStillWaitsForTheNextMoment)
 }
 
 } // namespace
-} // namespace pulsebar::top
+} // namespace pulsebar

@@ -4,7 +4,7 @@
 #include <string>
 #include <unordered_map>
 
-namespace pulsebar::top {
+namespace pulsebar {
 
 /// Names of users, asked for once each.
 class UserNames
@@ -27,4 +27,4 @@ private:
 /// The name of a user in a text in the form of passwd(5); empty when it is not there.
 std::string findInPasswd(std::string_view text, std::uint32_t uid);
 
-} // namespace pulsebar::top
+} // namespace pulsebar

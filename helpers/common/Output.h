@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string_view>
 
-namespace pulsebar::top {
+namespace pulsebar {
 
 /// Ns on the monotonic clock, which stands still while the machine is suspended, as the processes'
 /// CPU clocks do.
@@ -29,4 +29,4 @@ private:
     int m_descriptor;
 };
 
-} // namespace pulsebar::top
+} // namespace pulsebar

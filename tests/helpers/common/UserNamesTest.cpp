@@ -1,10 +1,10 @@
-#include "top/UserNames.h"
+#include "common/UserNames.h"
 
-#include "TestFolder.h"
+#include "helpers/common/TestFolder.h"
 
 #include <gtest/gtest.h>
 
-namespace pulsebar::top {
+namespace pulsebar {
 namespace {
 
 constexpr std::string_view passwd = "root:x:0:0:root:/root:/bin/bash\n"
@@ -45,4 +45,4 @@ TEST(UserNames, DoWithoutTheLocalList)
 }
 
 } // namespace
-} // namespace pulsebar::top
+} // namespace pulsebar

@@ -1,6 +1,6 @@
-#include "top/Pacer.h"
+#include "common/Pacer.h"
 
-namespace pulsebar::top {
+namespace pulsebar {
 
 Pacer::Pacer(std::uint64_t start, std::uint64_t firstDelay, std::uint64_t interval)
     : m_due(start + firstDelay)
@@ -14,4 +14,4 @@ void Pacer::advance(std::uint64_t now)
     m_due += (late + 1) * m_interval;
 }
 
-} // namespace pulsebar::top
+} // namespace pulsebar

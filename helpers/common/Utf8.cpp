@@ -1,8 +1,8 @@
-#include "top/Utf8.h"
+#include "common/Utf8.h"
 
 #include <array>
 
-namespace pulsebar::top {
+namespace pulsebar {
 
 namespace {
 
@@ -75,4 +75,4 @@ void appendUtf8(std::string &bytes, char32_t c)
     }
 }
 
-} // namespace pulsebar::top
+} // namespace pulsebar

@@ -7,7 +7,7 @@
 #include <fstream>
 #include <string>
 
-namespace pulsebar::top {
+namespace pulsebar {
 
 /// A folder of files that goes with the test.
 class TestFolder
@@ -44,4 +44,4 @@ private:
     std::string m_path;
 };
 
-} // namespace pulsebar::top
+} // namespace pulsebar

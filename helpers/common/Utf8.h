@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace pulsebar::top {
+namespace pulsebar {
 
 constexpr char32_t replacementCharacter = 0xFFFD;
 
@@ -27,4 +27,4 @@ private:
 /// Appends a Unicode scalar value.
 void appendUtf8(std::string &bytes, char32_t c);
 
-} // namespace pulsebar::top
+} // namespace pulsebar

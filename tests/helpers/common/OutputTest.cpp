@@ -1,4 +1,4 @@
-#include "top/Output.h"
+#include "common/Output.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include <thread>
 #include <unistd.h>
 
-namespace pulsebar::top {
+namespace pulsebar {
 namespace {
 
 constexpr std::uint64_t millisecond = 1'000'000;
@@ -93,4 +93,4 @@ TEST_F(OutputTest, GivesUpOnAFullPipeWhoseReaderGoes)
 }
 
 } // namespace
-} // namespace pulsebar::top
+} // namespace pulsebar

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace pulsebar::top {
+namespace pulsebar {
 
 /// The full form of a name that the kernel cut at 15 bytes, where the command line knows it:
 /// the last path component of the program (or, for a script, of its file) when it begins with
@@ -26,4 +26,4 @@ std::string nameForRow(std::string_view name);
 /// As nameForRow for a text of one word: blanks become "_". (No number is due after it.)
 std::string wordForRow(std::string_view text);
 
-} // namespace pulsebar::top
+} // namespace pulsebar

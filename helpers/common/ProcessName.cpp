@@ -1,11 +1,11 @@
-#include "top/ProcessName.h"
+#include "common/ProcessName.h"
 
-#include "top/Utf8.h"
+#include "common/Utf8.h"
 
 #include <array>
 #include <vector>
 
-namespace pulsebar::top {
+namespace pulsebar {
 
 namespace {
 
@@ -173,4 +173,4 @@ std::string wordForRow(std::string_view text)
     return encoded(word);
 }
 
-} // namespace pulsebar::top
+} // namespace pulsebar

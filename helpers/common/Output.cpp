@@ -1,11 +1,11 @@
-#include "top/Output.h"
+#include "common/Output.h"
 
 #include <cerrno>
 #include <ctime>
 #include <poll.h>
 #include <unistd.h>
 
-namespace pulsebar::top {
+namespace pulsebar {
 
 namespace {
 
@@ -78,4 +78,4 @@ bool Output::sleepUntil(std::uint64_t moment) const
     }
 }
 
-} // namespace pulsebar::top
+} // namespace pulsebar

@@ -1,8 +1,8 @@
-#include "top/UserNames.h"
+#include "common/UserNames.h"
 
+#include "common/ProcessName.h"
 #include "platform/linux_/low/Scan.h"
 #include "platform/linux_/low/SmallFile.h"
-#include "top/ProcessName.h"
 
 #include <charconv>
 #include <pwd.h>
@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-namespace pulsebar::top {
+namespace pulsebar {
 
 namespace {
 
@@ -70,4 +70,4 @@ const std::string &UserNames::nameOf(std::uint32_t uid)
     return m_names.emplace(uid, lookUp(uid)).first->second;
 }
 
-} // namespace pulsebar::top
+} // namespace pulsebar

@@ -1,10 +1,10 @@
-#include "top/ProcessName.h"
+#include "common/ProcessName.h"
 
-#include "top/Utf8.h"
+#include "common/Utf8.h"
 
 #include <gtest/gtest.h>
 
-namespace pulsebar::top {
+namespace pulsebar {
 namespace {
 
 using namespace std::string_literals;
@@ -101,4 +101,4 @@ TEST(Utf8, EveryScalarValueSurvives)
 }
 
 } // namespace
-} // namespace pulsebar::top
+} // namespace pulsebar

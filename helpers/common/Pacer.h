@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-namespace pulsebar::top {
+namespace pulsebar {
 
 /// When reports are due: the first shortly after the start, then one per interval from it on. All
 /// moments are ns on one clock. A report that comes late does not shift those after it; moments
@@ -21,4 +21,4 @@ private:
     std::uint64_t m_interval;
 };
 
-} // namespace pulsebar::top
+} // namespace pulsebar

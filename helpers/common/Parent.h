@@ -1,0 +1,8 @@
+#pragma once
+
+namespace pulsebar {
+
+/// Ends this program with the one that started it. False when that one is gone already.
+bool followParent();
+
+} // namespace pulsebar
