@@ -1,0 +1,353 @@
+#include "nettop/Accounts.h"
+
+#include "nettop/HolderSearch.h"
+#include "nettop/Names.h"
+
+#include <algorithm>
+
+namespace pulsebar::nettop {
+
+namespace {
+
+/// How many sockets' holders are checked per report: a hand-over is noticed within so many reports
+/// as this share is of the whole.
+constexpr std::size_t fewestChecks = 16;
+constexpr std::size_t mostChecks = 256;
+constexpr std::size_t checkedShare = 64;
+
+constexpr std::uint32_t firstRetry = 30;
+constexpr std::uint32_t lastRetry = 600;
+
+/// A socket may be missed by a list that was read while it moved within the kernel's tables.
+constexpr std::uint32_t mostAbsences = 1;
+
+/// A connection that waits to be accepted can only be in these states.
+bool mayWait(const TcpSocket &socket)
+{
+    return socket.inode == 0 && !socket.left &&
+           (socket.state == TcpState::SynReceived || socket.state == TcpState::Established ||
+            socket.state == TcpState::CloseWait);
+}
+
+bool isAny(const TcpSocket &socket)
+{
+    return std::all_of(socket.localAddress.begin(), socket.localAddress.end(),
+                       [](std::byte b) { return b == std::byte{0}; });
+}
+
+std::uint32_t retryDelay(std::uint32_t tries)
+{
+    return std::min(lastRetry, firstRetry << std::min(tries, 5U));
+}
+
+/// Looks as good as random.
+std::uint64_t scattered(std::uint64_t number)
+{
+    number = (number ^ (number >> 31U)) * 0x9E3779B97F4A7C15U;
+    return number ^ (number >> 29U);
+}
+
+} // namespace
+
+Accounts::Accounts(Memory &memory, ProcessSource &processes, std::uint32_t user)
+    : m_memory(memory)
+    , m_processes(processes)
+    , m_user(user)
+{
+}
+
+void Accounts::update(const std::vector<TcpSocket> &sockets, std::uint32_t now)
+{
+    m_sockets = &sockets;
+    m_time = now;
+    match();
+    refreshOwners();
+    m_waiting.assign(sockets.size(), false);
+    for (std::size_t i = 0; i < sockets.size(); ++i)
+        sort(i);
+    checkSomeHolders();
+    searchHolders();
+    assignRest();
+    for (std::size_t i = 0; i < sockets.size(); ++i)
+        credit(i);
+    tidy();
+    nameOwners();
+}
+
+/// Both lists are in the order of cookies.
+void Accounts::match()
+{
+    m_now.assign(m_sockets->size(), {});
+    auto old = m_memory.sockets.begin();
+    const auto dropOld = [&] {
+        m_changed = true;
+        if (old->absences < mostAbsences) {
+            m_absent.push_back(*old);
+            ++m_absent.back().absences;
+        }
+        ++old;
+    };
+    for (std::size_t i = 0; i < m_now.size(); ++i) {
+        const auto cookie = (*m_sockets)[i].cookie;
+        while (old != m_memory.sockets.end() && old->cookie < cookie)
+            dropOld();
+        if (old != m_memory.sockets.end() && old->cookie == cookie) {
+            m_now[i] = *old++;
+            m_now[i].absences = 0;
+        }
+        m_now[i].cookie = cookie;
+    }
+    while (old != m_memory.sockets.end())
+        dropOld();
+}
+
+/// Is it still there? Reads its name again when it may have changed.
+bool Accounts::refresh(OwnerRecord &owner, const std::optional<std::uint64_t> &clock)
+{
+    if (m_processes.hasClocks() && !clock)
+        return false;
+    if (clock && owner.namedAt == *clock)
+        return true;
+    const auto facts = m_processes.facts(owner.pid);
+    if (!facts || facts->startTicks != owner.startTicks)
+        return false;
+    owner.uid = facts->uid;
+    owner.namedAt = clock.value_or(neverLooked);
+    constexpr std::size_t cutByKernel = 15;
+    const bool mayBeLonger = facts->comm.size() == cutByKernel;
+    auto name = fieldForProcess(facts->comm,
+                                mayBeLonger ? m_processes.commandLine(owner.pid) : std::string());
+    m_changed = m_changed || name != owner.name;
+    owner.name = std::move(name);
+    return true;
+}
+
+void Accounts::refreshOwners()
+{
+    std::vector<bool> hasSockets(m_memory.owners.size(), false);
+    for (const auto &record : m_now) {
+        if (record.owner != noOwner)
+            hasSockets[record.owner] = true;
+    }
+    for (std::size_t i = 0; i < m_memory.owners.size(); ++i) {
+        auto &owner = m_memory.owners[i];
+        const bool matters = owner.isProcess() && (hasSockets[i] || owner.moved());
+        m_clocks.push_back(matters ? m_processes.clock(owner.pid) : std::nullopt);
+        m_gone.push_back(matters && !refresh(owner, m_clocks.back()));
+    }
+}
+
+bool Accounts::isLive(std::uint32_t owner) const
+{
+    return owner != noOwner && !m_gone[owner];
+}
+
+void Accounts::want(std::size_t socket, bool mayBeOld)
+{
+    const auto &facts = (*m_sockets)[socket];
+    m_wanted.push_back({facts.inode, facts.uid, mayBeOld, noOwner, 0});
+    m_wantedPlaces.push_back(socket);
+}
+
+/// Decides whether the socket's holder has to be looked for.
+void Accounts::sort(std::size_t socket)
+{
+    const auto &facts = (*m_sockets)[socket];
+    auto &record = m_now[socket];
+    if (facts.state == TcpState::Listen)
+        m_listeners.push_back(socket);
+    if (record.owner != noOwner && m_gone[record.owner]) {
+        record.owner = noOwner;
+        if (facts.inode != 0)
+            want(socket, true);
+    } else if (facts.inode == 0) {
+        // Not accepted yet, or closed by its holder; the latter keeps its owner.
+        if (record.inode == 0)
+            record.owner = noOwner;
+    } else if (record.owner == noOwner || record.inode != facts.inode) {
+        record.tries = 0;
+        want(socket, false);
+    } else if (record.retryAt != 0 && m_time >= record.retryAt) {
+        // Who took it meanwhile, or may be seen only now, ran meanwhile.
+        want(socket, false);
+    }
+}
+
+void Accounts::checkSomeHolders()
+{
+    if (m_now.empty())
+        return;
+    const auto count = std::clamp(m_now.size() / checkedShare, fewestChecks, mostChecks);
+    // A counter would have to be remembered, and written each time; chance reaches every place,
+    // too.
+    const auto begin = m_now.size() <= count ? 0 : scattered(m_time) % m_now.size();
+    for (std::size_t i = 0; i < std::min(count, m_now.size()); ++i)
+        checkHolder((begin + i) % m_now.size());
+}
+
+void Accounts::checkHolder(std::size_t socket)
+{
+    const auto &facts = (*m_sockets)[socket];
+    auto &record = m_now[socket];
+    if (facts.inode == 0 || record.inode != facts.inode || !isLive(record.owner))
+        return;
+    const auto &owner = m_memory.owners[record.owner];
+    const auto &clock = m_clocks[record.owner];
+    if (!owner.isProcess() || (clock && owner.lookedAt == *clock) ||
+        m_processes.holds(owner.pid, record.descriptor, facts.inode))
+        return;
+    std::vector<WantedSocket> one{{facts.inode, facts.uid, true, noOwner, 0}};
+    HolderSearch(m_memory, m_processes, m_user).findIn(record.owner, one);
+    m_changed = true;
+    if (one.front().owner == noOwner)
+        want(socket, true);
+    else
+        record.descriptor = one.front().descriptor;
+}
+
+void Accounts::searchHolders()
+{
+    HolderSearch search(m_memory, m_processes, m_user);
+    search.find(m_wanted);
+    m_gone.resize(m_memory.owners.size(), false);
+    m_clocks.resize(m_memory.owners.size());
+    if (search.hasListed()) {
+        m_changed = true;
+        for (std::uint32_t i = 0; i < m_memory.owners.size(); ++i) {
+            if (search.isGone(i) && !m_memory.owners[i].moved())
+                m_gone[i] = true;
+        }
+    }
+    for (std::size_t i = 0; i < m_wanted.size(); ++i)
+        settle(m_wanted[i], m_wantedPlaces[i]);
+}
+
+void Accounts::settle(const WantedSocket &found, std::size_t socket)
+{
+    auto &record = m_now[socket];
+    record.inode = found.inode;
+    m_changed = true;
+    if (found.owner != noOwner) {
+        record.owner = found.owner;
+        record.descriptor = found.descriptor;
+        record.retryAt = record.tries = 0;
+        m_gone[found.owner] = false;
+        return;
+    }
+    record.owner = ownerForUser(found.uid);
+    record.descriptor = 0;
+    record.retryAt = m_time + retryDelay(record.tries++);
+}
+
+std::uint32_t Accounts::ownerForUser(std::uint32_t uid)
+{
+    for (std::uint32_t i = 0; i < m_memory.owners.size(); ++i) {
+        const auto &owner = m_memory.owners[i];
+        if (!owner.isProcess() && owner.uid == uid) {
+            m_gone[i] = false;
+            return i;
+        }
+    }
+    OwnerRecord owner;
+    owner.uid = uid;
+    m_memory.owners.push_back(owner);
+    m_gone.push_back(false);
+    m_clocks.emplace_back();
+    m_changed = true;
+    return static_cast<std::uint32_t>(m_memory.owners.size() - 1);
+}
+
+/// The listening socket in whose queue a connection waits.
+std::optional<std::size_t> Accounts::listenerOf(const TcpSocket &socket) const
+{
+    std::optional<std::size_t> best;
+    for (const auto place : m_listeners) {
+        const auto &listener = (*m_sockets)[place];
+        if (listener.localPort != socket.localPort)
+            continue;
+        const bool exact =
+            listener.isIpv6 == socket.isIpv6 && listener.localAddress == socket.localAddress;
+        if (exact)
+            return place;
+        if (isAny(listener) && (!best || listener.isIpv6 == socket.isIpv6))
+            best = place;
+    }
+    return best;
+}
+
+void Accounts::assignRest()
+{
+    for (std::size_t i = 0; i < m_now.size(); ++i) {
+        const auto &facts = (*m_sockets)[i];
+        auto &record = m_now[i];
+        if (record.owner != noOwner)
+            continue;
+        const auto listener =
+            mayWait(facts) && record.inode == 0 ? listenerOf(facts) : std::nullopt;
+        if (listener && m_now[*listener].owner != noOwner) {
+            record.owner = m_now[*listener].owner;
+            m_waiting[i] = true;
+        } else {
+            record.owner = ownerForUser(facts.left ? OwnerRecord::nobodyKnown : facts.uid);
+        }
+    }
+}
+
+void Accounts::credit(std::size_t socket)
+{
+    const auto &facts = (*m_sockets)[socket];
+    auto &record = m_now[socket];
+    if (!facts.hasCounters || m_waiting[socket])
+        return;
+    auto &owner = m_memory.owners[record.owner];
+    const auto add = [&](std::uint64_t now, std::uint64_t &before, std::uint64_t &total) {
+        if (now <= before)
+            return;
+        total += now - before;
+        before = now;
+        m_changed = true;
+    };
+    add(facts.counters.received, record.received, owner.received);
+    add(facts.counters.sent, record.sent, owner.sent);
+}
+
+void Accounts::nameOwners()
+{
+    std::vector<bool> wanted(m_memory.owners.size(), false);
+    for (const auto &record : m_now)
+        wanted[record.owner] = true;
+    for (std::size_t i = 0; i < m_memory.owners.size(); ++i) {
+        auto &owner = m_memory.owners[i];
+        if (!owner.isProcess() || !owner.name.empty() || !(wanted[i] || owner.moved()))
+            continue;
+        // It may have ended just now.
+        if (!refresh(owner, m_processes.clock(owner.pid)))
+            owner.name = fieldForProcess("", "");
+    }
+}
+
+/// Puts the memory in order, without those who are gone.
+void Accounts::tidy()
+{
+    auto &sockets = m_memory.sockets;
+    // Both parts are in order already.
+    const auto hasOwner = [this](const SocketRecord &record) { return isLive(record.owner); };
+    const auto middle = static_cast<std::ptrdiff_t>(m_now.size());
+    sockets = std::move(m_now);
+    std::copy_if(m_absent.begin(), m_absent.end(), std::back_inserter(sockets), hasOwner);
+    std::vector<bool> keep(m_memory.owners.size());
+    for (std::size_t i = 0; i < keep.size(); ++i)
+        keep[i] = !m_gone[i] && (m_memory.owners[i].isProcess() || m_memory.owners[i].moved());
+    for (const auto &record : sockets)
+        keep[record.owner] = true;
+    const bool someAreGone = std::find(keep.begin(), keep.end(), false) != keep.end();
+    if (someAreGone) {
+        m_changed = true;
+        dropOwners(m_memory, keep);
+    }
+    m_now.assign(sockets.begin(), sockets.begin() + middle);
+    std::inplace_merge(sockets.begin(), sockets.begin() + middle, sockets.end(),
+                       [](const auto &a, const auto &b) { return a.cookie < b.cookie; });
+}
+
+} // namespace pulsebar::nettop
