@@ -241,20 +241,24 @@ void Accounts::settle(const WantedSocket &found, std::size_t socket)
 
 std::uint32_t Accounts::ownerForUser(std::uint32_t uid)
 {
-    for (std::uint32_t i = 0; i < m_memory.owners.size(); ++i) {
-        const auto &owner = m_memory.owners[i];
-        if (!owner.isProcess() && owner.uid == uid) {
-            m_gone[i] = false;
-            return i;
+    if (m_users.empty()) {
+        for (std::uint32_t i = 0; i < m_memory.owners.size(); ++i) {
+            if (!m_memory.owners[i].isProcess())
+                m_users.emplace(m_memory.owners[i].uid, i);
         }
     }
+    const auto known = m_users.find(uid);
+    if (known != m_users.end())
+        return known->second;
     OwnerRecord owner;
     owner.uid = uid;
     m_memory.owners.push_back(owner);
     m_gone.push_back(false);
     m_clocks.emplace_back();
     m_changed = true;
-    return static_cast<std::uint32_t>(m_memory.owners.size() - 1);
+    const auto place = static_cast<std::uint32_t>(m_memory.owners.size() - 1);
+    m_users.emplace(uid, place);
+    return place;
 }
 
 /// The listening socket in whose queue a connection waits.
@@ -311,11 +315,43 @@ void Accounts::credit(std::size_t socket)
     add(facts.counters.sent, record.sent, owner.sent);
 }
 
+/// Puts the memory in order, without those who are gone.
+void Accounts::tidy()
+{
+    auto &sockets = m_memory.sockets;
+    const auto listed = m_now.size();
+    sockets = std::move(m_now);
+    std::copy_if(m_absent.begin(), m_absent.end(), std::back_inserter(sockets),
+                 [this](const SocketRecord &record) { return isLive(record.owner); });
+    std::vector<bool> keep(m_memory.owners.size());
+    for (std::size_t i = 0; i < keep.size(); ++i)
+        keep[i] = !m_gone[i] && (m_memory.owners[i].isProcess() || m_memory.owners[i].moved());
+    for (const auto &record : sockets)
+        keep[record.owner] = true;
+    if (std::find(keep.begin(), keep.end(), false) != keep.end()) {
+        m_changed = true;
+        dropOwners(m_memory, keep);
+    }
+    m_now.clear();
+    if (sockets.size() == listed)
+        return;
+    // Both parts are in order already.
+    const auto middle = sockets.begin() + static_cast<std::ptrdiff_t>(listed);
+    m_now.assign(sockets.begin(), middle);
+    std::inplace_merge(sockets.begin(), middle, sockets.end(),
+                       [](const auto &a, const auto &b) { return a.cookie < b.cookie; });
+}
+
+const SocketRecord &Accounts::recordOf(std::size_t socket) const
+{
+    return m_now.empty() ? m_memory.sockets[socket] : m_now[socket];
+}
+
 void Accounts::nameOwners()
 {
     std::vector<bool> wanted(m_memory.owners.size(), false);
-    for (const auto &record : m_now)
-        wanted[record.owner] = true;
+    for (std::size_t i = 0; i < m_sockets->size(); ++i)
+        wanted[ownerOf(i)] = true;
     for (std::size_t i = 0; i < m_memory.owners.size(); ++i) {
         auto &owner = m_memory.owners[i];
         if (!owner.isProcess() || !owner.name.empty() || !(wanted[i] || owner.moved()))
@@ -324,30 +360,6 @@ void Accounts::nameOwners()
         if (!refresh(owner, m_processes.clock(owner.pid)))
             owner.name = fieldForProcess("", "");
     }
-}
-
-/// Puts the memory in order, without those who are gone.
-void Accounts::tidy()
-{
-    auto &sockets = m_memory.sockets;
-    // Both parts are in order already.
-    const auto hasOwner = [this](const SocketRecord &record) { return isLive(record.owner); };
-    const auto middle = static_cast<std::ptrdiff_t>(m_now.size());
-    sockets = std::move(m_now);
-    std::copy_if(m_absent.begin(), m_absent.end(), std::back_inserter(sockets), hasOwner);
-    std::vector<bool> keep(m_memory.owners.size());
-    for (std::size_t i = 0; i < keep.size(); ++i)
-        keep[i] = !m_gone[i] && (m_memory.owners[i].isProcess() || m_memory.owners[i].moved());
-    for (const auto &record : sockets)
-        keep[record.owner] = true;
-    const bool someAreGone = std::find(keep.begin(), keep.end(), false) != keep.end();
-    if (someAreGone) {
-        m_changed = true;
-        dropOwners(m_memory, keep);
-    }
-    m_now.assign(sockets.begin(), sockets.begin() + middle);
-    std::inplace_merge(sockets.begin(), sockets.begin() + middle, sockets.end(),
-                       [](const auto &a, const auto &b) { return a.cookie < b.cookie; });
 }
 
 } // namespace pulsebar::nettop

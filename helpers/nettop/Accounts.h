@@ -6,6 +6,7 @@
 #include "platform/linux_/low/inet_diag.h"
 
 #include <optional>
+#include <unordered_map>
 
 namespace pulsebar::nettop {
 
@@ -27,9 +28,9 @@ public:
 
     /// After update(): the place in Memory::owners of the owner of the socket at a place of the
     /// list.
-    std::uint32_t ownerOf(std::size_t socket) const { return m_now[socket].owner; }
+    std::uint32_t ownerOf(std::size_t socket) const { return recordOf(socket).owner; }
     /// After update(): what the connection has moved, as far as it was ever seen.
-    const SocketRecord &recordOf(std::size_t socket) const { return m_now[socket]; }
+    const SocketRecord &recordOf(std::size_t socket) const;
     /// After update(): is there anything that was not so before?
     bool hasChanged() const { return m_changed; }
 
@@ -56,7 +57,8 @@ private:
     std::uint32_t m_user;
     std::uint32_t m_time = 0;
     const std::vector<TcpSocket> *m_sockets = nullptr;
-    std::vector<SocketRecord> m_now;    ///< as *m_sockets
+    /// As *m_sockets. After update() empty where the memory holds just the same.
+    std::vector<SocketRecord> m_now;
     std::vector<SocketRecord> m_absent; ///< of sockets that were not listed this time
     std::vector<bool> m_gone;           ///< as Memory::owners
     std::vector<std::optional<std::uint64_t>> m_clocks; ///< as Memory::owners, where asked
@@ -64,6 +66,7 @@ private:
     std::vector<std::size_t> m_wantedPlaces; ///< as m_wanted: places in m_now
     std::vector<std::size_t> m_listeners;    ///< places in m_now
     std::vector<bool> m_waiting;             ///< as m_now: not accepted yet; credited to nobody
+    std::unordered_map<std::uint32_t, std::uint32_t> m_users; ///< places of users' records
     bool m_changed = false;
 };
 

@@ -34,6 +34,7 @@ struct Path
 std::optional<std::uint32_t> socketInodeAt(int folder, const char *path)
 {
     std::array<char, 64> target{};
+    errno = 0;
     const auto length = ::readlinkat(folder, path, target.data(), target.size());
     if (length <= 0)
         return std::nullopt;
@@ -157,6 +158,9 @@ ProcessSource::Look ProcFolder::lookAtSockets(pid_t pid, const SocketTaker &take
         const auto inode = socketInodeAt(folder, name.data());
         if (inode && !take(*inode, descriptor))
             look = Look::Stopped;
+        // Where the list may be read but no entry of it, there is nothing to see.
+        if (!inode && errno == EACCES)
+            break;
     }
     ::close(folder);
     return look;

@@ -16,6 +16,8 @@ namespace pulsebar::nettop {
 
 namespace {
 
+constexpr std::size_t someNew = 64;
+
 timespec now(clockid_t clock)
 {
     timespec time{};
@@ -38,7 +40,7 @@ std::optional<std::string> Sampler::sample()
                           m_runtimeFolder.empty() ? MemoryOrigin() : MemoryOrigin::here());
     if (auto remembered = file.read())
         m_memory = std::move(*remembered);
-    const auto sockets = readTcpSockets(m_dump);
+    const auto sockets = readTcpSockets(m_dump, m_memory.sockets.size() + someNew);
     if (!sockets)
         return std::nullopt;
     Accounts accounts(m_memory, m_processes, ::geteuid());

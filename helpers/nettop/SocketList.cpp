@@ -23,12 +23,33 @@ inet_diag_req everything()
     return request;
 }
 
+/// Moves each socket once, along the cycles of the order: a second list of this size would cost
+/// more than the sorting.
+void moveIntoPlaces(std::vector<TcpSocket> &sockets,
+                    std::vector<std::pair<std::uint64_t, std::size_t>> &order)
+{
+    for (std::size_t start = 0; start < order.size(); ++start) {
+        if (order[start].second == start)
+            continue;
+        const auto first = sockets[start];
+        auto place = start;
+        for (auto from = order[place].second; from != start; from = order[place].second) {
+            sockets[place] = sockets[from];
+            order[place].second = place;
+            place = from;
+        }
+        sockets[place] = first;
+        order[place].second = place;
+    }
+}
+
 } // namespace
 
-std::optional<std::vector<TcpSocket>> readTcpSockets(NetlinkDump &dump)
+std::optional<std::vector<TcpSocket>> readTcpSockets(NetlinkDump &dump, std::size_t expected)
 {
     constexpr int mostAttempts = 3;
     std::vector<TcpSocket> sockets;
+    sockets.reserve(expected);
     const auto request = everything();
     auto result = NetlinkDump::Result::Interrupted;
     for (int attempt = 0; attempt < mostAttempts && result == NetlinkDump::Result::Interrupted;
@@ -53,16 +74,19 @@ void orderByCookie(std::vector<TcpSocket> &sockets)
     for (std::size_t i = 0; i < sockets.size(); ++i)
         order.emplace_back(sockets[i].cookie, i);
     std::sort(order.begin(), order.end());
-    std::vector<TcpSocket> ordered;
-    ordered.reserve(sockets.size());
-    for (const auto &[cookie, place] : order) {
-        const auto &socket = sockets[place];
-        if (ordered.empty() || ordered.back().cookie != cookie)
-            ordered.push_back(socket);
-        else if (!ordered.back().hasCounters)
-            ordered.back() = socket;
+    moveIntoPlaces(sockets, order);
+    std::size_t kept = 0;
+    for (auto &socket : sockets) {
+        if (kept > 0 && sockets[kept - 1].cookie == socket.cookie) {
+            if (!sockets[kept - 1].hasCounters)
+                sockets[kept - 1] = socket;
+        } else {
+            if (&sockets[kept] != &socket)
+                sockets[kept] = socket;
+            ++kept;
+        }
     }
-    sockets = std::move(ordered);
+    sockets.resize(kept);
 }
 
 } // namespace pulsebar::nettop

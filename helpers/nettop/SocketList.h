@@ -10,7 +10,8 @@ namespace pulsebar::nettop {
 
 /// All TCP sockets of the network namespace, in the order of their cookies, each once. Absent when
 /// the kernel does not tell; the dump's error() says why.
-std::optional<std::vector<TcpSocket>> readTcpSockets(NetlinkDump &dump);
+/// @param expected about how many there are; a guess only
+std::optional<std::vector<TcpSocket>> readTcpSockets(NetlinkDump &dump, std::size_t expected = 64);
 
 /// Puts sockets into the order of their cookies. Of one that is there twice (it changed its place
 /// while the list was read) stays what has counters.
