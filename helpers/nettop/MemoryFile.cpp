@@ -87,8 +87,7 @@ MemoryFile::MemoryFile(const std::string &runtimeFolder, const MemoryOrigin &ori
     : m_origin(origin)
     , m_folder(openFolder(runtimeFolder))
 {
-    if (m_folder >= 0)
-        m_folder = closeUnless(lock(), m_folder);
+    m_isLocked = m_folder >= 0 && lock();
 }
 
 MemoryFile::~MemoryFile()
@@ -146,7 +145,7 @@ bool MemoryFile::writeNew(std::string_view bytes) const
 
 bool MemoryFile::write(const Memory &memory) const
 {
-    if (m_folder < 0)
+    if (!m_isLocked)
         return false;
     const auto bytes = encodeMemory(memory, m_origin);
     return !bytes.empty() && writeNew(bytes);

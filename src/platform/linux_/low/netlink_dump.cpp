@@ -77,9 +77,15 @@ std::optional<NetlinkBytes> NetlinkDump::receive(Result &result)
     for (;;) {
         iovec space{m_buffer.data(), m_buffer.size()};
         msghdr message{};
+        sockaddr_nl sender{};
+        message.msg_name = &sender;
+        message.msg_namelen = sizeof sender;
         message.msg_iov = &space;
         message.msg_iovlen = 1;
         const auto size = ::recvmsg(m_descriptor, &message, 0);
+        // Who has the rights may write to any netlink socket; only the kernel's word counts.
+        if (size > 0 && sender.nl_pid != 0)
+            continue;
         if (size > 0) {
             if ((message.msg_flags & MSG_TRUNC) != 0)
                 result = Result::Interrupted;
