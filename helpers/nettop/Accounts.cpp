@@ -64,7 +64,7 @@ void Accounts::update(const std::vector<TcpSocket> &sockets, std::uint32_t now)
     refreshOwners();
     m_waiting.assign(sockets.size(), false);
     for (std::size_t i = 0; i < sockets.size(); ++i)
-        sort(i);
+        classify(i);
     checkSomeHolders();
     searchHolders();
     assignRest();
@@ -150,7 +150,7 @@ void Accounts::want(std::size_t socket, bool mayBeOld)
 }
 
 /// Decides whether the socket's holder has to be looked for.
-void Accounts::sort(std::size_t socket)
+void Accounts::classify(std::size_t socket)
 {
     const auto &facts = (*m_sockets)[socket];
     auto &record = m_now[socket];

@@ -39,7 +39,7 @@ private:
     void refreshOwners();
     bool refresh(OwnerRecord &owner, const std::optional<std::uint64_t> &clock);
     bool isLive(std::uint32_t owner) const;
-    void sort(std::size_t socket);
+    void classify(std::size_t socket);
     void want(std::size_t socket, bool mayBeOld);
     void checkSomeHolders();
     void checkHolder(std::size_t socket);
