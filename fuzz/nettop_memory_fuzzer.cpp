@@ -38,7 +38,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const auto count = size / (sizeof(SocketRecord) * 2);
     made.owners.resize(count);
     made.sockets.resize(count);
-    std::memcpy(made.sockets.data(), data, count * sizeof(SocketRecord));
+    if (count > 0)
+        std::memcpy(made.sockets.data(), data, count * sizeof(SocketRecord));
     for (std::size_t i = 0; i < count; ++i) {
         made.sockets[i].cookie = i + 1;
         made.sockets[i].owner %= static_cast<std::uint32_t>(count);

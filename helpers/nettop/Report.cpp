@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstring>
 #include <tuple>
 
 namespace pulsebar::nettop {
@@ -24,8 +23,7 @@ public:
     Line &add(std::string_view text)
     {
         const auto size = std::min(text.size(), left());
-        std::memcpy(m_end, text.data(), size);
-        m_end += size;
+        m_end = std::copy_n(text.data(), size, m_end);
         return *this;
     }
     Line &add(char c) { return add(std::string_view(&c, 1)); }

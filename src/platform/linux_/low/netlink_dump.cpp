@@ -65,7 +65,7 @@ bool NetlinkDump::send(std::uint16_t type, NetlinkBytes request)
     header.nlmsg_flags = NLM_F_REQUEST | NLM_F_DUMP;
     header.nlmsg_seq = ++m_sequence;
     std::memcpy(message.data(), &header, sizeof header);
-    std::memcpy(message.data() + sizeof header, request.data(), request.size());
+    std::copy(request.begin(), request.end(), message.begin() + sizeof header);
     if (::send(m_descriptor, message.data(), header.nlmsg_len, 0) >= 0)
         return true;
     m_error = errno;
