@@ -10,9 +10,9 @@ namespace pulsebar::nettop {
 /// The memory on disk: `pulsebar/nettop.state` in a folder of the user's own. It may be deleted or
 /// overwritten at any moment, by anybody who may; then there is nothing to remember.
 ///
-/// While an object lives, others of this kind wait before they read the file: what one of them makes
-/// of the memory is not overwritten by somebody who has not seen it. Who has waited for a tenth of a
-/// second (the other may have been stopped) reads what there is, and does not write.
+/// While an object lives, others of this kind wait before they read the file: what one of them
+/// makes of the memory is not overwritten by somebody who has not seen it. Who has waited for a
+/// tenth of a second (the other may have been stopped) reads what there is, and does not write.
 class MemoryFile
 {
 public:

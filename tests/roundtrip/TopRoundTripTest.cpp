@@ -1,5 +1,5 @@
-#include "engine/TopReportParser.h"
 #include "common/ProcessName.h"
+#include "engine/TopReportParser.h"
 #include "top/ReportWriter.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-#include "helpers/common/TestFolder.h"
 #include "common/Output.h"
+#include "helpers/common/TestFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
