@@ -21,6 +21,8 @@ namespace {
 /// those of a thousand sensors.
 constexpr qsizetype MostTags = 12000;
 constexpr int DeepestNesting = 16;
+/// It takes an entity out of a text by moving all that follows.
+constexpr qsizetype MostEntities = 12000;
 
 struct PlistDeleter
 {
@@ -88,8 +90,22 @@ std::optional<QVariant> valueOf(plist_t node, const Keys &keys, int depth)
 
 bool isTame(const QByteArray &bytes)
 {
-    return isBinaryPropertyList(bytes) ? isTameBinaryPropertyList(bytes, DeepestNesting, MostTags)
-                                       : bytes.count('<') <= MostTags;
+    if (isBinaryPropertyList(bytes))
+        return isTameBinaryPropertyList(bytes, DeepestNesting, MostTags);
+    return bytes.count('<') <= MostTags && bytes.count('&') <= MostEntities;
+}
+
+/// Not by the function that finds out the form itself: newer libraries know further ones, whose
+/// nesting nobody looked at, and it takes other arguments there.
+Plist parsed(const QByteArray &bytes)
+{
+    plist_t root = nullptr;
+    const auto size = static_cast<std::uint32_t>(bytes.size());
+    if (isBinaryPropertyList(bytes))
+        plist_from_bin(bytes.constData(), size, &root);
+    else
+        plist_from_xml(bytes.constData(), size, &root);
+    return Plist(root);
 }
 
 } // namespace
@@ -100,10 +116,8 @@ std::optional<QVariant> parsePropertyList(const QByteArray &bytes,
     if (bytes.isEmpty() || bytes.size() > std::numeric_limits<std::int32_t>::max() ||
         !isTame(bytes))
         return std::nullopt;
-    plist_t root = nullptr;
-    plist_from_memory(bytes.constData(), static_cast<std::uint32_t>(bytes.size()), &root);
-    const Plist list(root);
-    return list ? valueOf(root, keys, 0) : std::nullopt;
+    const Plist list = parsed(bytes);
+    return list ? valueOf(list.get(), keys, 0) : std::nullopt;
 }
 
 } // namespace pulsebar

@@ -200,6 +200,22 @@ TEST(PropertyList, DeepAndWideOnesAreRefused)
     EXPECT_FALSE(isRead(nested(3000)));
 }
 
+TEST(PropertyList, TooManyEntitiesAreRefused)
+{
+    const auto text = [](int entities) {
+        return plist("<string>" + QByteArray("&amp;").repeated(entities) + "</string>");
+    };
+    EXPECT_TRUE(isRead(text(12'000)));
+    EXPECT_FALSE(isRead(text(12'001)));
+}
+
+TEST(PropertyList, OtherFormsAreNone)
+{
+    EXPECT_FALSE(isRead(R"([{"Key": "CPU Die", "SMCKey": "Tcp0"}])"));
+    EXPECT_FALSE(isRead(R"(({Key = "CPU Die"; SMCKey = Tcp0;}))"));
+    EXPECT_FALSE(isRead(QByteArray("[").repeated(100'000)));
+}
+
 TEST(PropertyList, AThousandSensorsAreRead)
 {
     QByteArray many;
