@@ -80,16 +80,17 @@ void Temperatures::measure(Sensor &sensor, SmcTransport &smc, bool fahrenheit, Q
 Temperatures::Reading Temperatures::read(const Sensor &sensor, SmcTransport &smc) const
 {
     Reading reading;
-    const auto readOf = [&](const std::string &key) {
+    const auto readOf = [&](const std::string &key, bool mayRest) {
         reading.degrees = SMCGetTemperature(key, smc);
         const bool failed = reading.degrees < LowestGoodReading;
-        reading.resting = failed && (reading.resting || isResting(key));
+        reading.resting = failed && (reading.resting || (mayRest && isResting(key)));
         return !failed;
     };
-    if (readOf(sensor.key) || !sensor.isCpuDie)
+    if (readOf(sensor.key, true) || !sensor.isCpuDie)
         return reading;
     for (const char *key : CpuDieFallbacks) {
-        if (readOf(key))
+        // What other machines have instead does not excuse a failure on this one.
+        if (readOf(key, m_present.contains(key)))
             break;
     }
     return reading;

@@ -239,6 +239,27 @@ TEST_F(TemperaturesTest, ARestingCpuDieStillFallsBack)
     EXPECT_EQ(named().value(Die), QVariant(41.0));
 }
 
+TEST_F(TemperaturesTest, KeysOfOtherMachinesDoNotExcuseACpuDieThatFails)
+{
+    m_names.say({{"Tcp0", "coretemp Package id 0"}});
+    m_names.resting = {"TC0F", "TCAH", "TC0H"}; // as all keys that are not there
+    for (int i = 0; i < 2; ++i) {
+        named();
+        EXPECT_EQ(m_smc.asked("Tcp0"), 1);
+    }
+    named();
+    EXPECT_EQ(m_smc.asked("Tcp0"), 0);
+}
+
+TEST_F(TemperaturesTest, ARestingFallbackExcusesTheCpuDie)
+{
+    m_names.say({{"TCAH", "applesmc TCAH"}});
+    m_names.resting = {"TCAH"};
+    for (int i = 0; i < 4; ++i)
+        named();
+    EXPECT_EQ(m_smc.asked("Tcp0"), 1);
+}
+
 TEST_F(TemperaturesTest, SensorsOutsideTheListFollowUnderTheirOwnNames)
 {
     m_smc.setDegrees("Tcp0", 50);
