@@ -94,6 +94,29 @@ TEST(HwmonListing, IdentityIsTheDeviceNotTheNumber)
     EXPECT_EQ(listing.chips()[0].identity, "/sys/devices/pci0000:00/0000:00:18.3#k10temp");
 }
 
+TEST(HwmonListing, ADeviceThatIsPluggedInAgainIsTheSame)
+{
+    const HwmonTree machine;
+    const auto identityOf = [&](int number, const std::string &device, const std::string &name) {
+        machine.deviceChip(number, device, name, {{"temp1_input", "1"}});
+        HwmonListing listing(machine.root());
+        listing.refresh();
+        const auto identity = listing.chips().at(0).identity;
+        machine.removeDeviceChip(number, device);
+        return identity;
+    };
+    const std::string port = "pci0/usb1/1-5/1-5:1.1/";
+    EXPECT_EQ(identityOf(3, port + "0003:1E71:2007.0005", "kraken"),
+              identityOf(4, port + "0003:1E71:2007.002A", "kraken"));
+    EXPECT_EQ(identityOf(5, "pci0/ieee80211/phy0", "mt7921_phy0"),
+              identityOf(5, "pci0/ieee80211/phy12", "mt7921_phy12"));
+    EXPECT_EQ(identityOf(6, "virtual/thermal/thermal_zone8", "iwlwifi_1"),
+              identityOf(6, "virtual/thermal/thermal_zone8", "iwlwifi_2"));
+    EXPECT_NE(identityOf(7, port + "0003:1E71:2007.0005", "kraken"),
+              identityOf(7, port + "0003:1E71:3008.0005", "kraken"));
+    EXPECT_NE(identityOf(8, "pci0/usb1/1-5", "kraken"), identityOf(8, "pci0/usb1/1-6", "kraken"));
+}
+
 TEST(HwmonListing, WithoutALinkTheDeviceIsWhereTheChipHangs)
 {
     const HwmonTree machine;

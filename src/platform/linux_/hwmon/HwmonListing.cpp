@@ -217,9 +217,9 @@ void HwmonListing::walk(const std::string &place, Entry &entry) const
     if (chip.name.empty())
         chip.name = textOf(folder + "/device/name");
     const auto root = resolvedPath(m_root.path("/"));
-    chip.identity =
+    chip.identity = withoutRunningNumbers(
         (root.size() > 1 && device.starts_with(root) ? device.substr(root.size()) : device) + '#' +
-        chip.name;
+        chip.name);
     chip.runtimeStatus = runtimeStatusFiles(device, resolvedPath(m_root.path("/sys/devices")));
     chip.rotatingDiskStat = rotatingDiskStat(device);
 }

@@ -34,9 +34,11 @@ struct FanInput
 /// A sensor chip, and the inputs that are of use to us, by number.
 struct HwmonChip
 {
-    std::string folder;   ///< where its files are, without symbolic links in the path
-    std::string identity; ///< the device's path below the root, and the name; no two are the same
-    std::string name;     ///< readable
+    std::string folder; ///< where its files are, without symbolic links in the path
+    /// The device's path below the root, and the name, both without numbers that only count how
+    /// often something was plugged in. No two chips have the same.
+    std::string identity;
+    std::string name; ///< readable
     std::vector<TemperatureInput> temperatures;
     std::vector<FanInput> fans;
     /// Files that tell whether the device sleeps, and those of the devices that it hangs on,

@@ -35,6 +35,33 @@ bool isBusAdapter(std::string_view name)
            name.find_first_not_of("0123456789", 4) == std::string_view::npos;
 }
 
+constexpr std::string_view hexDigits = "0123456789ABCDEF";
+
+/// Whether a text begins as the folder of a HID device does: bus, vendor and product.
+bool startsWithHidDevice(std::string_view text)
+{
+    constexpr std::string_view form = "hhhh:hhhh:hhhh.";
+    const auto fits = [](char character, char expected) {
+        return expected == 'h' ? hexDigits.find(character) != std::string_view::npos
+                               : character == expected;
+    };
+    return text.size() > form.size() && std::equal(form.begin(), form.end(), text.begin(),
+                                                   [&](char f, char c) { return fits(c, f); });
+}
+
+/// How many characters at the front of a text a running number follows; 0 when none does.
+std::size_t beforeRunningNumber(std::string_view text)
+{
+    if (startsWithHidDevice(text))
+        return std::string_view("hhhh:hhhh:hhhh.").size();
+    for (const std::string_view prefix : {"/ieee80211/phy", "_phy", "iwlwifi_"}) {
+        if (text.starts_with(prefix) && text.size() > prefix.size() && text[prefix.size()] >= '0' &&
+            text[prefix.size()] <= '9')
+            return prefix.size();
+    }
+    return 0;
+}
+
 } // namespace
 
 std::string resolvedPath(const std::string &path)
@@ -55,6 +82,19 @@ std::string deviceOfChip(const std::string &folder)
     if (nameOf(above) == "hwmon" && nameOf(aboveThat) != "virtual" && nameOf(aboveThat) != "class")
         return aboveThat;
     return folder;
+}
+
+std::string withoutRunningNumbers(std::string_view text)
+{
+    std::string lasting;
+    while (!text.empty()) {
+        const auto prefix = beforeRunningNumber(text);
+        lasting += text.substr(0, std::max<std::size_t>(prefix, 1));
+        text.remove_prefix(std::max<std::size_t>(prefix, 1));
+        if (prefix > 0)
+            text.remove_prefix(std::min(text.find_first_not_of(hexDigits), text.size()));
+    }
+    return lasting;
 }
 
 std::vector<std::string> runtimeStatusFiles(const std::string &device, const std::string &devices)
