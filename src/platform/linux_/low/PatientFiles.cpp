@@ -286,13 +286,14 @@ bool PatientFiles::hasNew(const File &file) const
 }
 
 /// Asks for a reading, unless one is asked for already.
-/// @return false when there is nobody who would read
+/// @return false when there is nobody who would read; then nobody has the use of the file, either
 bool PatientFiles::ask(const std::shared_ptr<File> &file)
 {
-    if (!m_shared->ensureThread(m_shared))
-        return false;
-    if (std::exchange(file->asked, true))
-        return true;
+    const bool hasThread = m_shared->ensureThread(m_shared);
+    // A thread that hangs may still be at it, also where no other one could be started.
+    if (file->asked || !hasThread)
+        return file->asked;
+    file->asked = true;
     file->awaited = false;
     m_shared->queue.push_back(file);
     m_shared->wakeThread.notify_all();
