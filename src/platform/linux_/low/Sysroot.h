@@ -14,7 +14,8 @@ public:
     /// A folder that holds proc/ and sys/; empty means the running system.
     explicit Sysroot(std::string folder);
 
-    /// As $PULSEBAR_SYSROOT says; the running system when it is unset or empty.
+    /// As $PULSEBAR_SYSROOT says; the running system when it is unset or empty, and
+    /// in a program that has more rights than its caller (secure_getenv(3)).
     static Sysroot fromEnvironment();
 
     /// True for a recorded machine: process clocks of the running kernel mean nothing there.
