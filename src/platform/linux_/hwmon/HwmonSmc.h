@@ -48,8 +48,8 @@ public:
         /// Hears, once, that sensors were left out; in English, for a log.
         std::function<void(const std::string &)> complain = {};
         /// How long an opening's calls wait for first readings, all together. When absent, a tenth
-        /// of a second at the first opening and hardly at all later: whoever samples is not to be
-        /// held up.
+        /// of a second at the first opening and where sensors came, and hardly at all otherwise:
+        /// whoever samples is not to be held up.
         std::optional<Clock::duration> patience = std::nullopt;
     };
 
