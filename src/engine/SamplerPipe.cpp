@@ -1,7 +1,10 @@
 #include "engine/SamplerPipe.h"
 
+#include <QProcess>
+
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -22,6 +25,16 @@ int aboveStandard(int descriptor)
     const int moved = ::fcntl(descriptor, F_DUPFD_CLOEXEC, FirstFreeDescriptor);
     ::close(descriptor);
     return moved;
+}
+
+/// Runs in the child between fork and exec: only what is safe there. Blocked signals are inherited,
+/// and a child that has SIGTERM blocked could not be asked to go.
+void prepareChild(int standardOutput)
+{
+    ::dup2(standardOutput, STDOUT_FILENO);
+    sigset_t none;
+    ::sigemptyset(&none);
+    ::sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
 } // namespace
@@ -48,6 +61,13 @@ SamplerPipe::~SamplerPipe()
     closeWriteEnd();
     if (m_readEnd >= 0)
         ::close(m_readEnd);
+}
+
+void SamplerPipe::becomeOutputOf(QProcess &process) const
+{
+    process.setProcessChannelMode(QProcess::ForwardedChannels);
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.setChildProcessModifier([fd = m_writeEnd] { prepareChild(fd); });
 }
 
 void SamplerPipe::closeWriteEnd()

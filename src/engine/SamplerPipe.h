@@ -4,6 +4,8 @@
 
 #include <memory>
 
+class QProcess;
+
 namespace pulsebar {
 
 /// The pipe between the sampler and us. It is made roomy, because a report that fits into it as a
@@ -18,7 +20,9 @@ public:
     SamplerPipe &operator=(const SamplerPipe &) = delete;
 
     int readEnd() const { return m_readEnd; }
-    int writeEnd() const { return m_writeEnd; }
+    /// Makes the write end the standard output of a process that is not started yet. Its standard
+    /// input is empty, its error output ours, and no signal is blocked in it.
+    void becomeOutputOf(QProcess &process) const;
     /// To be called once the child has the write end, so that its end is noticed.
     void closeWriteEnd();
 

@@ -8,9 +8,7 @@
 
 #include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <cstring>
-#include <unistd.h>
 #include <utility>
 
 namespace pulsebar {
@@ -29,16 +27,6 @@ constexpr auto ShortestPause = 25ms;
 constexpr auto LongestPause = 1000ms;
 constexpr int PausePerCost = 9;
 constexpr int LongestIntervalSec = 24 * 60 * 60;
-
-/// Runs in the child between fork and exec: only what is safe there. Blocked signals are inherited,
-/// and a child that has SIGTERM blocked could not be asked to go.
-void prepareChild(int standardOutput)
-{
-    ::dup2(standardOutput, STDOUT_FILENO);
-    sigset_t none;
-    ::sigemptyset(&none);
-    ::sigprocmask(SIG_SETMASK, &none, nullptr);
-}
 
 } // namespace
 
@@ -112,9 +100,7 @@ void SamplerProcess::launch()
 
 void SamplerProcess::connectProcess()
 {
-    m_process->setProcessChannelMode(QProcess::ForwardedChannels);
-    m_process->setStandardInputFile(QProcess::nullDevice());
-    m_process->setChildProcessModifier([fd = m_pipe->writeEnd()] { prepareChild(fd); });
+    m_pipe->becomeOutputOf(*m_process);
     connect(m_process, &QProcess::finished, this, &SamplerProcess::onFinished);
     connect(m_process, &QProcess::errorOccurred, this, &SamplerProcess::onError);
 }
