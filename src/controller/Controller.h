@@ -57,6 +57,8 @@ public:
     void update();
 
     TopMonitor &monitor() { return m_monitor; }
+    /// Null where no process's traffic is known.
+    const NetworkMonitor *networkMonitor() const { return m_networkMonitor; }
     StatusItem &statusItem() { return m_statusItem; }
     const Titles &titles() const { return m_titles; }
 

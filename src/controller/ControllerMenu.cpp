@@ -62,7 +62,7 @@ MainMenuState Controller::mainMenuState() const
     state.topDict = m_monitor.topDict();
     state.processes = processMenuState();
     if (m_networkMonitor != nullptr && m_networkMonitor->runNettop())
-        state.networkProcesses = m_networkMonitor->topDict();
+        state.networkProcesses = m_networkMonitor->topDict().value_or(QVariantMap());
     state.temperatureKeys = m_monitor.temperatureKeys();
     state.fanKeys = m_monitor.fanKeys();
     state.hideGraphWindow = m_graphWindows != nullptr && m_graphWindows->hideGraphWindow();

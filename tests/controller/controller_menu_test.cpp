@@ -25,11 +25,10 @@ struct FakeNetworkMonitor : NetworkMonitor
     bool runNettop() const override { return running; }
     void setRunNettop(bool on) override { running = on; }
     void setRefreshSec(int /*seconds*/) override {}
-    QVariantMap topDict() const override
-    {
-        return {{QStringLiteral("a"), QVariantMap{{QStringLiteral("name"), QStringLiteral("a")}}},
-                {QStringLiteral("b"), QVariantMap{{QStringLiteral("name"), QStringLiteral("b")}}}};
-    }
+    std::optional<QVariantMap> topDict() const override { return dictionary; }
+    std::optional<QVariantMap> dictionary = QVariantMap{
+        {QStringLiteral("a"), QVariantMap{{QStringLiteral("name"), QStringLiteral("a")}}},
+        {QStringLiteral("b"), QVariantMap{{QStringLiteral("name"), QStringLiteral("b")}}}};
 };
 
 struct FakeGraphWindows : GraphWindows

@@ -36,7 +36,7 @@ public:
     {
         orders.push_back("refresh " + std::to_string(seconds));
     }
-    QVariantMap topDict() const override { return {}; }
+    std::optional<QVariantMap> topDict() const override { return std::nullopt; }
 
     bool running = false;
     std::vector<std::string> orders;
