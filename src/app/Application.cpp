@@ -15,6 +15,7 @@
 #include "engine/TopMonitor.h"
 #include "platform/Desktop.h"
 #include "platform/Platform.h"
+#include "processes/NettopMonitor.h"
 #include "sensors/Battery.h"
 #include "sensors/Fans.h"
 #include "sensors/SensorLists.h"
@@ -80,7 +81,8 @@ public:
         , m_settings(Settings::standardFileName())
         , m_statusItem(surroundings())
         , m_sensors(*m_platform)
-        , m_monitor(sources(), SamplerCommand{samplerPath})
+        , m_monitor(sources(), samplerCommand(QStringLiteral("pulsebar-top")))
+        , m_networkMonitor(samplerCommand(QStringLiteral("pulsebar-nettop")))
         , m_detailWindow([this] { return newestReport(); })
         , m_application(m_desktop.urlOpener.get(),
                         manualPlaces(QCoreApplication::applicationDirPath()))
@@ -113,6 +115,7 @@ private:
     {
         ControllerParts parts{m_monitor, m_statusItem, m_settings, PanelStatusItem::programImage(),
                               endProgram};
+        parts.networkMonitor = &m_networkMonitor;
         parts.processes = m_platform->processes.get();
         parts.showDetailWindow = [this] { m_detailWindow.show(); };
         parts.processActions = processActions();
@@ -166,10 +169,11 @@ private:
         return QPoint(place->at(0), place->at(1));
     }
 
-    static QString samplerPath()
+    static SamplerCommand samplerCommand(const QString &name)
     {
-        return helperPath(QStringLiteral("pulsebar-top"),
-                          helperFolders(QCoreApplication::applicationDirPath()));
+        return {[name] {
+            return helperPath(name, helperFolders(QCoreApplication::applicationDirPath()));
+        }};
     }
 
     std::unique_ptr<Platform> m_platform;
@@ -178,6 +182,7 @@ private:
     PanelStatusItem m_statusItem;
     Sensors m_sensors;
     TopMonitor m_monitor;
+    NettopMonitor m_networkMonitor;
     DetailWindow m_detailWindow;
     QuestionBoxes m_questions;
     ApplicationUtility m_application;

@@ -4,6 +4,7 @@
 #include "controller/Controller.h"
 #include "controller/DBusInterfaces.h"
 #include "controller/TitleTexts.h"
+#include "engine/NetworkMonitor.h"
 #include "engine/TopMonitor.h"
 
 #include <QDBusMetaType>
@@ -241,6 +242,14 @@ void Scripting::addControlMethods()
                             if (!cache)
                                 return noValue(key);
                             return QVariant::fromValue(busvalues::fromNumbers(*cache));
+                        }});
+    m_object.addMethod({kControl, QStringLiteral("netInformationDictionary"), QString(),
+                        [&controller](const QVariantList &) -> BusResult {
+                            const NetworkMonitor *monitor = controller.networkMonitor();
+                            const auto newest = monitor ? monitor->topDict() : std::nullopt;
+                            if (!newest)
+                                return noValue(QStringLiteral("netInformationDictionary"));
+                            return QVariant(busvalues::fromDictionary(*newest));
                         }});
     // Both are answered first: the one may wait for the user, the other ends the bus connection.
     m_object.addMethod({kControl, QStringLiteral("openMenu"), QString(),
