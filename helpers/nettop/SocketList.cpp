@@ -11,6 +11,9 @@ namespace pulsebar::nettop {
 
 namespace {
 
+/// TCP_NEW_SYN_RECV.
+constexpr unsigned newSynReceived = 12;
+
 /// This older request walks the kernel's table once for both families; the newer one has to be
 /// made for each of them, and each time walks the table.
 inet_diag_req everything()
@@ -18,7 +21,10 @@ inet_diag_req everything()
     inet_diag_req request{};
     request.idiag_family = AF_INET;
     request.idiag_ext = 1U << (INET_DIAG_INFO - 1) | 1U << (INET_DIAG_CONG - 1);
-    request.idiag_states = ~0U;
+    // Not those that are only bound (a state after TCP_NEW_SYN_RECV, the last that the kernel had
+    // before it could list them): they have no connection, and another table of the kernel would
+    // have to be walked for them.
+    request.idiag_states = (1U << (newSynReceived + 1)) - 1;
     request.id.idiag_cookie[0] = request.id.idiag_cookie[1] = INET_DIAG_NOCOOKIE;
     return request;
 }

@@ -56,5 +56,21 @@ TEST(SocketList, HasBothFamilies)
     }
 }
 
+TEST(SocketList, ASocketThatIsOnlyBoundIsNoConnection)
+{
+    const int bound = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    ASSERT_EQ(::bind(bound, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+    NetlinkDump dump(NETLINK_SOCK_DIAG);
+    const auto sockets = readTcpSockets(dump);
+    ASSERT_TRUE(sockets);
+    EXPECT_TRUE(std::none_of(sockets->begin(), sockets->end(), [](const auto &socket) {
+        return socket.state == TcpState::Closed || socket.state == TcpState::Unknown;
+    }));
+    ::close(bound);
+}
+
 } // namespace
 } // namespace pulsebar::nettop
