@@ -124,6 +124,22 @@ bool areConsistent(const Memory &memory)
            });
 }
 
+/// As much of the memory as is stored. What is met again without a record is counted from its first
+/// byte on, and must not be in a total already.
+Memory withFewerSockets(Memory memory)
+{
+    auto &sockets = memory.sockets;
+    std::erase_if(sockets, [](const auto &socket) { return (socket.received | socket.sent) == 0; });
+    while (sockets.size() > mostSockets) {
+        const auto &socket = sockets.back();
+        auto &owner = memory.owners[socket.owner];
+        owner.received -= std::min(owner.received, socket.received);
+        owner.sent -= std::min(owner.sent, socket.sent);
+        sockets.pop_back();
+    }
+    return memory;
+}
+
 std::uint64_t inodeOf(const char *path)
 {
     struct stat facts
@@ -150,8 +166,10 @@ std::string encodeMemory(const Memory &memory, const MemoryOrigin &origin)
     std::string bytes;
     if (memory.owners.size() > mostOwners)
         return bytes;
+    if (memory.sockets.size() > mostSockets)
+        return encodeMemory(withFewerSockets(memory), origin);
     Header header{signature, formatVersion, 0, 0, 0, origin, 0};
-    header.sockets = static_cast<std::uint32_t>(std::min(memory.sockets.size(), mostSockets));
+    header.sockets = static_cast<std::uint32_t>(memory.sockets.size());
     header.owners = static_cast<std::uint32_t>(memory.owners.size());
     for (const auto &owner : memory.owners)
         header.nameBytes += static_cast<std::uint32_t>(owner.name.size());

@@ -26,8 +26,9 @@ struct MemoryOrigin
 constexpr std::size_t largestMemory = 16U << 20U;
 
 /// The memory as bytes for the next run of this program on this machine, at most largestMemory of
-/// them. Sockets beyond 65,536 are left out (their holders are looked for again); empty when there
-/// are more owners than that.
+/// them. Of more than 65,536 sockets those are left out that moved nothing, then the newest, and
+/// what these moved is taken from their owners' totals: all of it is counted when they are met
+/// again. Empty when there are more owners than that.
 std::string encodeMemory(const Memory &memory, const MemoryOrigin &origin);
 
 /// Absent for bytes that encodeMemory() did not make, or made elsewhere. Whatever the bytes are, an

@@ -106,7 +106,7 @@ TEST(MemoryFormat, IsBounded)
     Memory memory;
     memory.owners.resize(2);
     for (std::uint64_t i = 0; i < 100'000; ++i)
-        memory.sockets.push_back({i + 1, 0, 0, 1, 1, 0, 0, 0, 0});
+        memory.sockets.push_back({i + 1, 1, 0, 1, 1, 0, 0, 0, 0});
     const auto bytes = encodeMemory(memory, origin());
     EXPECT_LE(bytes.size(), largestMemory);
     const auto back = decodeMemory(bytes, origin());
@@ -114,6 +114,32 @@ TEST(MemoryFormat, IsBounded)
     EXPECT_EQ(back->sockets.size(), 65536U);
     memory.owners.resize(100'000);
     EXPECT_EQ(encodeMemory(memory, origin()), "");
+}
+
+TEST(MemoryFormat, WhatIsLeftOutIsInNoTotal)
+{
+    constexpr std::uint64_t stored = 65536;
+    Memory memory;
+    memory.owners.resize(2);
+    memory.owners[0].received = stored * 3;
+    memory.owners[1].received = 1000;
+    memory.owners[1].sent = 50; // it had the socket only for a part of what this one sent
+    for (std::uint64_t i = 0; i < stored; ++i)
+        memory.sockets.push_back({i + 1, 3, 0, 1, 0, 0, 0, 0, 0});
+    memory.sockets.push_back({stored + 1, 400, 70, 1, 1, 0, 0, 0, 0});
+    auto back = decodeMemory(encodeMemory(memory, origin()), origin());
+    ASSERT_TRUE(back);
+    EXPECT_EQ(back->sockets.size(), stored);
+    EXPECT_EQ(back->owners[0].received, stored * 3);
+    EXPECT_EQ(back->owners[1].received, 600U);
+    EXPECT_EQ(back->owners[1].sent, 0U);
+    // One that moved nothing is not missed.
+    memory.sockets[7].received = 0;
+    back = decodeMemory(encodeMemory(memory, origin()), origin());
+    ASSERT_TRUE(back);
+    EXPECT_EQ(back->sockets.size(), stored);
+    EXPECT_EQ(back->sockets.back().cookie, stored + 1);
+    EXPECT_EQ(back->owners, memory.owners);
 }
 
 TEST(Memory, DropsOwnersAndKeepsPlaces)
