@@ -29,6 +29,13 @@ bool mayWait(const TcpSocket &socket)
             socket.state == TcpState::CloseWait);
 }
 
+/// Nobody holds it and nobody will, and whose it was is not known: older kernels say of each
+/// connection that outlives its descriptors that it is root's.
+bool isOwnerForgotten(const TcpSocket &socket)
+{
+    return socket.left || (socket.inode == 0 && socket.uid == 0 && !mayWait(socket));
+}
+
 bool isAny(const TcpSocket &socket)
 {
     return std::all_of(socket.localAddress.begin(), socket.localAddress.end(),
@@ -292,7 +299,8 @@ void Accounts::assignRest()
             record.owner = m_now[*listener].owner;
             m_waiting[i] = true;
         } else {
-            record.owner = ownerForUser(facts.left ? OwnerRecord::nobodyKnown : facts.uid);
+            record.owner =
+                ownerForUser(isOwnerForgotten(facts) ? OwnerRecord::nobodyKnown : facts.uid);
         }
     }
 }

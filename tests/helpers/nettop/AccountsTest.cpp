@@ -177,6 +177,20 @@ TEST_F(AccountsTest, AnOrphanThatStillSendsStaysWithItsOwner)
     EXPECT_EQ(owners[1].sent, 50U);
 }
 
+TEST_F(AccountsTest, AnOrphanThatTheKernelCallsRootsIsNotRoots)
+{
+    auto &orphan = socket(1, 0, 0, 100);
+    orphan.state = TcpState::FinWait1;
+    orphan.uid = 0;
+    report();
+    EXPECT_EQ(ownerOf(1), -std::int64_t{OwnerRecord::nobodyKnown});
+    EXPECT_EQ(owners[1].sent, 100U);
+    // Those in a queue are whom the kernel says.
+    socket(2, 0).uid = 0;
+    report();
+    EXPECT_EQ(ownerOf(2), 0);
+}
+
 TEST_F(AccountsTest, SharedSocketsBelongToTheOldestAndAreCountedOnce)
 {
     processes.give(30, 501);
