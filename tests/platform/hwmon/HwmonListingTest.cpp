@@ -200,11 +200,28 @@ TEST(HwmonListing, FollowsInputsThatLeaveNoTrace)
     EXPECT_EQ(listing.chips()[1].fans.size(), 1U);
 }
 
+TEST(HwmonListing, TakesAllOfALargeServer)
+{
+    const HwmonTree machine;
+    HwmonTree::Files cores{{"temp1_input", "70000"}, {"temp1_label", "Package id 0"}};
+    for (int core = 0; core < 288; ++core)
+        cores.emplace_back("temp" + std::to_string(core + 2) + "_input", "60000");
+    machine.plainChip(0, "coretemp", cores);
+    for (int drive = 1; drive <= 102; ++drive)
+        machine.plainChip(drive, "drivetemp", {{"temp1_input", "35000"}});
+    HwmonListing listing(machine.root());
+    listing.refresh();
+    EXPECT_EQ(listing.chips().size(), 103U);
+    EXPECT_EQ(listing.chips()[0].temperatures.size(), 289U);
+    EXPECT_FALSE(listing.isCut());
+}
+
 TEST(HwmonListing, IsBounded)
 {
     const HwmonTree machine;
     HwmonTree::Files inputs;
-    for (int number = 1; number <= 65; ++number)
+    constexpr int tooMany = static_cast<int>(HwmonListing::kMostInputs) + 1;
+    for (int number = 1; number <= tooMany; ++number)
         inputs.emplace_back("temp" + std::to_string(number) + "_input", "1");
     machine.plainChip(0, "chip", inputs);
     HwmonListing listing(machine.root());
@@ -213,10 +230,10 @@ TEST(HwmonListing, IsBounded)
     EXPECT_TRUE(listing.isCut());
     listing.refresh();
     EXPECT_TRUE(listing.isCut());
-    machine.remove("sys/class/hwmon/hwmon0/temp65_input");
+    machine.remove("sys/class/hwmon/hwmon0/temp" + std::to_string(tooMany) + "_input");
     listing.refresh();
     EXPECT_FALSE(listing.isCut());
-    for (int number = 1; number <= 64; ++number)
+    for (int number = 1; number <= static_cast<int>(HwmonListing::kMostChips); ++number)
         machine.plainChip(number, "chip", {{"temp1_input", "1"}});
     listing.refresh();
     EXPECT_EQ(listing.chips().size(), HwmonListing::kMostChips);

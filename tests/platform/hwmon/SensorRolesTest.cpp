@@ -41,7 +41,10 @@ INSTANTIATE_TEST_SUITE_P(
                     RoleCase{"cpu_thermal", "", SensorRole::CpuPackage},
                     RoleCase{"cpu0_thermal", "", SensorRole::CpuPackage},
                     RoleCase{"cpu-thermal", "", SensorRole::CpuPackage},
-                    RoleCase{"soc_thermal", "", SensorRole::CpuPackage}));
+                    RoleCase{"soc_thermal", "", SensorRole::CpuPackage},
+                    RoleCase{"x86_pkg_temp", "", SensorRole::CpuPackage},
+                    RoleCase{"cpu", "", SensorRole::CpuPackage},
+                    RoleCase{"a53_cpu_thermal", "", SensorRole::CpuPackage}));
 
 INSTANTIATE_TEST_SUITE_P(Graphics, RoleOf,
                          testing::Values(RoleCase{"amdgpu", "edge", SensorRole::Gpu},
@@ -91,11 +94,23 @@ INSTANTIATE_TEST_SUITE_P(BoardAndBattery, RoleOf,
 TEST(CpuClaims, AreInThisOrder)
 {
     const std::pair<const char *, const char *> best[] = {
-        {"coretemp", "Package id 0"}, {"coretemp", "Package id 1"}, {"k10temp", "Tdie"},
-        {"zenpower", "Tctl"},         {"applesmc", "TC0D"},         {"applesmc", "TCAD"},
-        {"applesmc", "TC0E"},         {"applesmc", "TC0F"},         {"applesmc", "TCXC"},
-        {"applesmc", "TC0C"},         {"applesmc", "TCAH"},         {"applesmc", "TC0H"},
-        {"cpu_thermal", ""},          {"package_thermal", ""},      {"soc_thermal", ""},
+        {"coretemp", "Package id 0"},
+        {"coretemp", "Package id 1"},
+        {"k10temp", "Tdie"},
+        {"zenpower", "Tctl"},
+        {"applesmc", "TC0D"},
+        {"applesmc", "TCAD"},
+        {"applesmc", "TC0E"},
+        {"applesmc", "TC0F"},
+        {"applesmc", "TCXC"},
+        {"applesmc", "TC0C"},
+        {"applesmc", "TCAH"},
+        {"applesmc", "TC0H"},
+        {"cpu_thermal", ""},
+        {"package_thermal", ""},
+        {"soc_thermal", ""},
+        {"a53_cpu_thermal", ""},
+        {"soc", ""},
     };
     for (std::size_t i = 0; i + 1 < std::size(best); ++i) {
         const auto better = purposeOf(best[i].first, best[i].second).claim;
@@ -113,6 +128,7 @@ TEST(CpuClaims, NothingElseHasOne)
         {"acpitz", ""},        {"coretemp", "Core 0"}, {"k10temp", "Tccd1"},
         {"applesmc", "TG0D"},  {"applesmc", ""},       {"thinkpad", "CPU"},
         {"iwlwifi_1", ""},     {"BAT0", ""},           {"cpu_gpu_thermal", ""},
+        {"cpu_fan", ""},       {"nvme", "cpu"},
     };
     for (const auto &[chip, label] : others)
         EXPECT_FALSE(purposeOf(chip, label).claim) << chip << ' ' << label;

@@ -61,8 +61,9 @@ struct HwmonChip
 class HwmonListing
 {
 public:
-    static constexpr std::size_t kMostChips = 64;
-    static constexpr std::size_t kMostInputs = 64; ///< of a kind, of one chip
+    // Above what large servers have: shelves of a hundred drives, processors of 288 cores.
+    static constexpr std::size_t kMostChips = 256;
+    static constexpr std::size_t kMostInputs = 512; ///< of a kind, of one chip
     static constexpr unsigned kRefreshesPerTurn = 4;
 
     explicit HwmonListing(const Sysroot &root);

@@ -123,11 +123,19 @@ constexpr auto rules = std::to_array<Rule>({
     // Thermal zones of boards (their chips are named after them)
     {"cpu*therm*", "*", SensorRole::CpuPackage, CpuClaim::ThermalZone, 0},
     {"package*therm*", "*", SensorRole::CpuPackage, CpuClaim::ThermalZone, 1},
+    {"x86_pkg_temp*", "*", SensorRole::CpuPackage, CpuClaim::ThermalZone, 1},
     {"soc*therm*", "*", SensorRole::CpuPackage, CpuClaim::ThermalZone, 2},
     {"bcm2835_thermal", "*", SensorRole::CpuPackage, CpuClaim::ThermalZone, 2},
     {"imx_thermal*", "*", SensorRole::CpuPackage, CpuClaim::ThermalZone, 2},
     {"cluster*therm*", "*", SensorRole::CpuPackage, CpuClaim::ThermalZone, 3},
     {"bigcore*therm*", "*", SensorRole::CpuPackage, CpuClaim::ThermalZone, 3},
+    // Vendors' own trees: zones named shortly, or with the part's number in front.
+    {"cpu", "", SensorRole::CpuPackage, CpuClaim::ThermalZone, 4},
+    {"cpu_temp*", "", SensorRole::CpuPackage, CpuClaim::ThermalZone, 4},
+    {"*cpu*therm*", "*", SensorRole::CpuPackage, CpuClaim::ThermalZone, 4},
+    {"soc", "", SensorRole::CpuPackage, CpuClaim::ThermalZone, 5},
+    {"soc_temp*", "", SensorRole::CpuPackage, CpuClaim::ThermalZone, 5},
+    {"*soc*therm*", "*", SensorRole::CpuPackage, CpuClaim::ThermalZone, 5},
 });
 
 // Those that say the die's or package's temperature, best first.
