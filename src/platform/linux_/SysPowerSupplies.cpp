@@ -12,8 +12,8 @@ namespace pulsebar {
 
 namespace {
 
-/// How many readings go by without a listing between two with one.
-constexpr int readingsBetweenListings = 3;
+/// How many readings trust what is known of the supplies of the same names.
+constexpr int readingsBetweenLooks = 3;
 
 enum BatteryFile {
     Status,
@@ -33,6 +33,7 @@ constexpr std::array batteryFiles = {"status",      "present",     "charge_now",
                                      "voltage_now", "current_now", "power_now"};
 constexpr std::array externalFiles = {"online"};
 
+/// Sorted.
 std::optional<std::vector<std::string>> namesIn(const std::string &folder)
 {
     const std::unique_ptr<DIR, int (*)(DIR *)> handle(::opendir(folder.c_str()), &::closedir);
@@ -139,12 +140,14 @@ void SysPowerSupplies::forget(const Supply &supply)
 }
 
 /// Supplies that have gone are forgotten, and new ones added, each in its place.
-bool SysPowerSupplies::list()
+void SysPowerSupplies::lookAt(std::vector<std::string> names)
 {
     auto before = std::exchange(m_supplies, {});
-    const auto names = namesIn(m_folder);
-    for (const auto &name : names.value_or(std::vector<std::string>())) {
+    m_readingsUntilLook = readingsBetweenLooks;
+    for (const auto &name : names) {
         const std::string type = attribute(name, "type");
+        if (type.empty()) // one that is just being made
+            m_readingsUntilLook = 0;
         const bool isBattery = type == "Battery";
         if ((!isBattery && !isExternalSupply(type)) || !isOfTheMachine(name))
             continue;
@@ -160,8 +163,7 @@ bool SysPowerSupplies::list()
     }
     for (const Supply &gone : before)
         forget(gone);
-    m_readingsUntilListing = names ? readingsBetweenListings : 0;
-    return names.has_value();
+    m_names = std::move(names);
 }
 
 std::string_view SysPowerSupplies::textOf(SupplyFile &file)
@@ -224,14 +226,18 @@ std::vector<BatteryInfo> SysPowerSupplies::readAll()
 
 std::optional<std::vector<BatteryInfo>> SysPowerSupplies::readBatteries()
 {
-    const bool wasDue = m_readingsUntilListing-- <= 0;
-    if (wasDue && !list())
+    auto names = namesIn(m_folder);
+    if (!names) {
+        lookAt({});
         return std::nullopt;
+    }
+    const bool isDue = m_readingsUntilLook-- <= 0 || *names != m_names;
+    if (isDue)
+        lookAt(std::move(*names));
     auto batteries = readAll();
-    if (wasDue || !m_hasLost)
+    if (isDue || !m_hasLost)
         return batteries;
-    if (!list())
-        return std::nullopt;
+    lookAt(std::exchange(m_names, {}));
     return readAll();
 }
 

@@ -20,9 +20,11 @@ namespace pulsebar {
 /// that has none such, the batteries' status says it: one that is charged, full or kept at a
 /// threshold is connected to something, and one that is being emptied is not.
 ///
-/// Supplies come and go with docks and packs, but rarely: the folder is listed at every fourth
-/// reading, and at once when a file that was there has gone. Some firmware takes tens of
-/// milliseconds per file; it is waited for only when a supply is new, and then not for long.
+/// Where plugging in makes a supply appear, as docks and many USB adapters do, it has to be noticed
+/// as fast as one that goes online, so each reading lists the folder's names. What the supplies are
+/// is looked at when the names are others or a file that was there has gone, else at every fourth
+/// reading. Some firmware takes tens of milliseconds per file; it is waited for only when a supply
+/// is new, and then not for long.
 class SysPowerSupplies : public BatterySource
 {
 public:
@@ -48,7 +50,7 @@ private:
         std::vector<SupplyFile> files; ///< as batteryFiles or externalFiles in the source
     };
 
-    bool list();
+    void lookAt(std::vector<std::string> names);
     Supply newSupply(const std::string &name, bool isBattery);
     void forget(const Supply &supply);
     bool isOfTheMachine(const std::string &name) const;
@@ -61,8 +63,9 @@ private:
 
     std::string m_folder;
     PatientFiles m_files;
-    std::vector<Supply> m_supplies; ///< in the order of their names
-    int m_readingsUntilListing = 0;
+    std::vector<Supply> m_supplies;   ///< in the order of their names
+    std::vector<std::string> m_names; ///< of all folders, when they were looked at
+    int m_readingsUntilLook = 0;
     bool m_hasLost = false; ///< a file that was there has gone
 };
 
