@@ -9,8 +9,8 @@ namespace pulsebar::nettop {
 
 namespace {
 
-/// How many sockets' holders are checked per report: a hand-over is noticed within so many reports
-/// as this share is of the whole.
+/// How many sockets' holders are checked per report, a quarter of them at least of those that moved
+/// nothing: a hand-over is noticed within some times as many reports as this share is of the whole.
 constexpr std::size_t fewestChecks = 16;
 constexpr std::size_t mostChecks = 256;
 constexpr std::size_t checkedShare = 64;
@@ -180,36 +180,79 @@ void Accounts::classify(std::size_t socket)
     }
 }
 
-void Accounts::checkSomeHolders()
-{
-    if (m_now.empty())
-        return;
-    const auto count = std::clamp(m_now.size() / checkedShare, fewestChecks, mostChecks);
-    // A counter would have to be remembered, and written each time; chance reaches every place,
-    // too.
-    const auto begin = m_now.size() <= count ? 0 : scattered(m_time) % m_now.size();
-    for (std::size_t i = 0; i < std::min(count, m_now.size()); ++i)
-        checkHolder((begin + i) % m_now.size());
-}
-
-void Accounts::checkHolder(std::size_t socket)
+bool Accounts::hasMoved(std::size_t socket) const
 {
     const auto &facts = (*m_sockets)[socket];
-    auto &record = m_now[socket];
-    if (facts.inode == 0 || record.inode != facts.inode || !isLive(record.owner))
-        return;
-    const auto &owner = m_memory.owners[record.owner];
-    const auto &clock = m_clocks[record.owner];
-    if (!owner.isProcess() || (clock && owner.lookedAt == *clock) ||
-        m_processes.holds(owner.pid, record.descriptor, facts.inode))
-        return;
-    std::vector<WantedSocket> one{{facts.inode, facts.uid, true, noOwner, 0}};
-    HolderSearch(m_memory, m_processes, m_user).findIn(record.owner, one);
-    m_changed = true;
-    if (one.front().owner == noOwner)
-        want(socket, true);
-    else
-        record.descriptor = one.front().descriptor;
+    const auto &record = m_now[socket];
+    return facts.hasCounters &&
+           (facts.counters.received > record.received || facts.counters.sent > record.sent);
+}
+
+/// Is there a process that should hold it, and no reason yet to look for another?
+bool Accounts::canBeChecked(std::size_t socket) const
+{
+    const auto &record = m_now[socket];
+    const auto inode = (*m_sockets)[socket].inode;
+    return inode != 0 && record.inode == inode && isLive(record.owner) &&
+           m_memory.owners[record.owner].isProcess();
+}
+
+/// Checks at most `most` of those that moved something, or of the others. That a process stood
+/// still since it was looked at does not help: another socket was looked for then, and it may have
+/// given this one away before.
+/// @return how many were checked
+std::size_t Accounts::check(bool moved, std::size_t most, std::vector<std::size_t> &doubtful)
+{
+    const auto count = m_now.size();
+    // A counter would have to be remembered, and written each time; chance reaches every place,
+    // too.
+    auto place = count == 0 ? 0 : scattered(m_time) % count;
+    std::size_t checked = 0;
+    for (std::size_t i = 0; i < count && checked < most; ++i, ++place) {
+        if (place == count)
+            place = 0;
+        if (hasMoved(place) != moved || !canBeChecked(place))
+            continue;
+        ++checked;
+        const auto &record = m_now[place];
+        if (!m_processes.holds(m_memory.owners[record.owner].pid, record.descriptor, record.inode))
+            doubtful.push_back(place);
+    }
+    return checked;
+}
+
+void Accounts::checkSomeHolders()
+{
+    const auto most = std::clamp(m_now.size() / checkedShare, fewestChecks, mostChecks);
+    std::vector<std::size_t> doubtful;
+    // First those whose bytes are about to be credited.
+    const auto moved = check(true, most - most / 4, doubtful);
+    check(false, most - moved, doubtful);
+    lookAgain(doubtful);
+}
+
+/// Looks once into each process for those of its sockets that are not where they were.
+void Accounts::lookAgain(std::vector<std::size_t> &doubtful)
+{
+    std::sort(doubtful.begin(), doubtful.end(),
+              [this](auto a, auto b) { return m_now[a].owner < m_now[b].owner; });
+    for (auto first = doubtful.begin(); first != doubtful.end();) {
+        const auto owner = m_now[*first].owner;
+        const auto last = std::find_if(first, doubtful.end(),
+                                       [&](auto place) { return m_now[place].owner != owner; });
+        std::vector<WantedSocket> wanted;
+        for (auto place = first; place != last; ++place)
+            wanted.push_back({m_now[*place].inode, (*m_sockets)[*place].uid, true, noOwner, 0});
+        HolderSearch(m_memory, m_processes, m_user).findIn(owner, wanted);
+        m_changed = true;
+        for (const auto &found : wanted) {
+            const auto place = *first++;
+            if (found.owner == noOwner)
+                want(place, true);
+            else
+                m_now[place].descriptor = found.descriptor;
+        }
+    }
 }
 
 void Accounts::searchHolders()

@@ -41,8 +41,11 @@ private:
     bool isLive(std::uint32_t owner) const;
     void classify(std::size_t socket);
     void want(std::size_t socket, bool mayBeOld);
+    bool hasMoved(std::size_t socket) const;
+    bool canBeChecked(std::size_t socket) const;
+    std::size_t check(bool moved, std::size_t most, std::vector<std::size_t> &doubtful);
     void checkSomeHolders();
-    void checkHolder(std::size_t socket);
+    void lookAgain(std::vector<std::size_t> &doubtful);
     void searchHolders();
     void settle(const WantedSocket &found, std::size_t socket);
     void assignRest();

@@ -230,6 +230,54 @@ TEST_F(AccountsTest, ASocketGoesToWhoTakesItOver)
     EXPECT_EQ(receivedBy(20), 600U);
 }
 
+TEST_F(AccountsTest, AllGoThatAreHandedOverByWhoNeverRunsAgain)
+{
+    for (std::uint32_t inode = 501; inode < 506; ++inode) {
+        processes.give(10, inode);
+        socket(inode, inode, 1000);
+    }
+    report();
+    for (std::uint32_t inode = 501; inode < 506; ++inode)
+        processes.give(20, inode);
+    processes.run(10).sockets.clear();
+    report();
+    for (std::uint32_t inode = 501; inode < 506; ++inode)
+        EXPECT_EQ(ownerOf(inode), 20) << inode;
+    EXPECT_THAT(processes.looks, ElementsAre(10, 20)); // each once
+}
+
+TEST_F(AccountsTest, ASocketThatMovesBytesIsCheckedAmongManyThatDoNot)
+{
+    for (std::uint32_t inode = 501; inode < 2501; ++inode) {
+        processes.give(10, inode);
+        socket(inode, inode, 1000);
+    }
+    report();
+    processes.give(20, 1700);
+    processes.run(10).sockets.erase(3 + 1700 - 501);
+    sockets[1700].counters.sent = 50;
+    report();
+    ASSERT_EQ(ownerOf(1700), 20);
+    EXPECT_EQ(process(10)->sent, 0U);
+    EXPECT_EQ(process(20)->sent, 50U);
+    EXPECT_LE(processes.checks, 31);
+}
+
+TEST_F(AccountsTest, ChecksAreBounded)
+{
+    for (std::uint32_t inode = 501; inode < 2501; ++inode) {
+        processes.give(10, inode);
+        socket(inode, inode, 1000);
+    }
+    report();
+    for (auto &[cookie, each] : sockets)
+        each.counters.received = 2000;
+    report();
+    EXPECT_GE(processes.checks, 16);
+    EXPECT_LE(processes.checks, 31);
+    EXPECT_EQ(receivedBy(10), 2000U * 2000U);
+}
+
 TEST_F(AccountsTest, ASocketGoesToAnHeirThatNeverRanAgain)
 {
     processes.give(10, 501);
