@@ -31,8 +31,10 @@ protected:
 
     void supply(const std::string &name, const Files &files)
     {
+        std::string folder("sys/class/power_supply/");
+        folder.append(name).append("/");
         for (const auto &[file, text] : files)
-            m_machine.write("sys/class/power_supply/" + name + '/' + file, text + '\n');
+            m_machine.write(folder + file, text + '\n');
     }
     void set(const std::string &file, const std::string &text)
     {

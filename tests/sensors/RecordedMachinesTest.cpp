@@ -34,7 +34,6 @@ void PrintTo(const Machine &machine, std::ostream *out)
 namespace {
 
 using testing::ElementsAreArray;
-using testing::FloatEq;
 
 /// What the tags of the sections' rows are.
 constexpr int batteryTag = titles::kBattery;

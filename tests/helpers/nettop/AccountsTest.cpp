@@ -8,10 +8,8 @@
 namespace pulsebar::nettop {
 namespace {
 
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Not;
 
 constexpr std::uint32_t user = 1000;
 

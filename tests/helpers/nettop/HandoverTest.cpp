@@ -25,7 +25,7 @@ class Actor
 public:
     using Step = std::function<void()>;
 
-    explicit Actor(std::vector<Step> steps)
+    explicit Actor(const std::vector<Step> &steps)
     {
         std::array<int, 2> pair{};
         EXPECT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, pair.data()), 0);

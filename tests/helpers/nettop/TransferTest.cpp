@@ -11,6 +11,7 @@
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 
+#include <array>
 #include <fstream>
 #include <netinet/tcp.h>
 #include <unistd.h>
@@ -232,9 +233,9 @@ TEST_F(TransferTest, ManyAtOnceAreRight)
     for (int round = 0; round < 3; ++round) {
         transfer(connection.client, connection.server, 1000);
         sent += 1000;
-        std::vector<std::unique_ptr<NettopRun>> runs;
-        for (int i = 0; i < 6; ++i)
-            runs.push_back(std::make_unique<NettopRun>(m_setting));
+        std::array<std::unique_ptr<NettopRun>, 6> runs;
+        for (auto &run : runs)
+            run = std::make_unique<NettopRun>(m_setting);
         for (const auto &run : runs) {
             const auto owners = parseReport(run->readAll());
             ASSERT_EQ(owners.size(), 1U);

@@ -101,7 +101,7 @@ TEST(HwmonListing, ADeviceThatIsPluggedInAgainIsTheSame)
         machine.deviceChip(number, device, name, {{"temp1_input", "1"}});
         HwmonListing listing(machine.root());
         listing.refresh();
-        const auto identity = listing.chips().at(0).identity;
+        auto identity = listing.chips().at(0).identity;
         machine.removeDeviceChip(number, device);
         return identity;
     };
