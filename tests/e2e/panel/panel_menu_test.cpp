@@ -282,22 +282,22 @@ protected:
 };
 
 // The degree signs are read as anything.
-TEST_P(PanelSensorsTest, ShowsTemperaturesAndFans)
+TEST_P(PanelSensorsTest, ShowsTemperatures)
 {
     EXPECT_EQ(program->title(), QStringLiteral("CPU:61\u2103 | 12800RPM"));
-    ShownMenu temperatures = openMenu();
-    temperatures.openSubmenu(QStringLiteral("CPU Die: ?61.?0"));
-    temperatures.row(QStringLiteral("NVMe Drive: ?38.?0"));
+    ShownMenu menu = openMenu();
+    menu.openSubmenu(QStringLiteral("CPU Die: ?61.?0"));
+    menu.row(QStringLiteral("NVMe Drive: ?38.?0"));
     keep("temperatures");
-    for (int level = 0; level < 2; ++level)
-        screen.type(QStringLiteral("Escape"));
-    ASSERT_TRUE(temperatures.waitUntilClosed());
+}
 
-    ShownMenu fans = openMenu();
-    fans.openSubmenu(QStringLiteral("Fan: ?12800RPM"));
-    fans.row(QStringLiteral("Maximum: ?12800.?0RPM"));
+TEST_P(PanelSensorsTest, ShowsFans)
+{
+    ShownMenu menu = openMenu();
+    menu.openSubmenu(QStringLiteral("Fan: ?12800RPM"));
+    menu.row(QStringLiteral("Maximum: ?12800.?0RPM"));
     keep("fan");
-    fans.choose(QStringLiteral("Actual: ?12800RPM"));
+    menu.choose(QStringLiteral("Actual: ?12800RPM"));
     EXPECT_TRUE(waitFor([this] { return program->title() == QStringLiteral("12800RPM"); }));
 }
 
