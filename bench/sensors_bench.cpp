@@ -56,7 +56,7 @@ class Machine
 {
 public:
     Machine()
-        : m_folder("/tmp/sensors_bench-XXXXXX")
+        : m_folder((fs::temp_directory_path() / "sensors_bench-XXXXXX").string())
         , m_awake(awakeDevice())
     {
         if (!::mkdtemp(m_folder.data()))
