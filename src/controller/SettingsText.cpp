@@ -72,6 +72,9 @@ private:
         else if (c >= u'0' && c <= u'7') {
             --m_at;
             readCodePoint(8, 3);
+        } else if (c.isHighSurrogate()) {
+            // Half of a character could not be written.
+            ++m_at;
         }
         // An escape that means nothing is left out, as QSettings does.
     }

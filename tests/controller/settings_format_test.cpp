@@ -79,6 +79,7 @@ TEST(SettingsFormat, ReadsQuotesAndEscapes)
     EXPECT_EQ(parsed("\\x41"), s("A"));
     EXPECT_EQ(parsed("\\101"), s("A"));
     EXPECT_EQ(parsed("a\\"), s("a"));
+    EXPECT_EQ(parsed("a\\\xF0\xA3\xA3\xA3z"), s("az"));
     EXPECT_EQ(parsed("\\xD800 \\x110000").toString().size(), 3);
 }
 
