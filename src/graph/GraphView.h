@@ -1,0 +1,60 @@
+#pragma once
+
+#include "engine/UsageCache.h"
+#include "graph/GraphViewSetting.h"
+
+#include <QRectF>
+
+#include <functional>
+
+class QImage;
+
+namespace pulsebar {
+
+/// The history of one series as a single line over a plain background: no text, no grid, no axes.
+/// Not a widget: the window draws it into its picture.
+class GraphView
+{
+public:
+    virtual ~GraphView() = default;
+
+    /// @param viewSetting colours; must outlive the view
+    void setViewSetting(const GraphViewSetting *viewSetting) { m_viewSetting = viewSetting; }
+    /// Told when the view has to be drawn anew.
+    void setNeedsDisplay(std::function<void()> listener) { m_needsDisplay = std::move(listener); }
+
+    /// Shares the array, oldest sample first, and has the whole view drawn anew.
+    void setUsageCacheArray(const UsageCache &array);
+    const UsageCache &usageCacheArray() const { return m_usageCacheArray; }
+
+    /// Draws the background, and the line when there are at least 5 samples.
+    /// @param image premultiplied ARGB; its devicePixelRatio is how many of its pixels are a point
+    /// @param rect what to draw, in points from the image's top left corner; the whole view
+    void drawRect(QImage &image, const QRectF &rect) const;
+
+protected:
+    const GraphViewSetting *viewSetting() const { return m_viewSetting; }
+    /// Draws the line; the base draws none.
+    virtual void drawGraphInRect(QImage &image, const QRectF &rect) const;
+
+private:
+    UsageCache m_usageCacheArray;
+    const GraphViewSetting *m_viewSetting = nullptr;
+    std::function<void()> m_needsDisplay;
+};
+
+/// Every series but network traffic. Samples that are not numbers are left out.
+class CPUGraphView : public GraphView
+{
+protected:
+    void drawGraphInRect(QImage &image, const QRectF &rect) const override;
+};
+
+/// Network traffic, in or out: a quiet line stays low.
+class NetworkGraphView : public GraphView
+{
+protected:
+    void drawGraphInRect(QImage &image, const QRectF &rect) const override;
+};
+
+} // namespace pulsebar
