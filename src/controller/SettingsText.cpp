@@ -1,9 +1,8 @@
 #include "controller/SettingsText.h"
 
-#include <QStringList>
+#include "util/DecimalText.h"
 
-#include <array>
-#include <charconv>
+#include <QStringList>
 
 namespace pulsebar::settingsformat {
 
@@ -147,15 +146,6 @@ QString escapedText(const QString &plain)
     return needsQuotes ? u'"' + text + u'"' : text;
 }
 
-template <typename Number> QString shortestDecimal(Number value)
-{
-    // The smallest double has 1074 digits behind its point.
-    std::array<char, 1100> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value,
-                                   std::chars_format::fixed);
-    return QString::fromLatin1(digits.data(), end.ptr - digits.data());
-}
-
 std::optional<QString> listText(const QVariantList &list)
 {
     QStringList texts;
@@ -205,16 +195,6 @@ std::optional<QString> textFromValue(const QVariant &value)
     default:
         return std::nullopt;
     }
-}
-
-QString decimalText(float value)
-{
-    return shortestDecimal(value);
-}
-
-QString decimalText(double value)
-{
-    return shortestDecimal(value);
 }
 
 } // namespace pulsebar::settingsformat

@@ -18,8 +18,4 @@ QVariant valueFromText(const QString &text);
 ///         for a type that the file does not hold
 std::optional<QString> textFromValue(const QVariant &value);
 
-/// The shortest plain decimal text that reads back as `value`: "60", "62.5", never an exponent.
-QString decimalText(float value);
-QString decimalText(double value);
-
 } // namespace pulsebar::settingsformat

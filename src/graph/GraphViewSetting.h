@@ -48,9 +48,10 @@ public:
     static QStringList archiveKeys();
     /// The text of a JSON object with the fields of archiveKeys().
     QString encode() const;
-    /// Reads such a text. A field that is not there is zero or empty, not its default; the text's
-    /// colour and both opacities are set anew, whatever was stored.
-    /// @return null when the text is no such object or a field has an impossible value
+    /// Reads such a text. A field that is not there, or null, is zero or empty, not its default;
+    /// the colour of the texts and both opacities are set anew, whatever was stored.
+    /// @return null when the text is no such object or a field has an impossible value: of another
+    ///         type, not finite, out of its type's range, a size that no window can have
     static std::unique_ptr<GraphViewSetting> decode(const QString &text);
 
     QColor lineColor() const { return m_lineColor; }

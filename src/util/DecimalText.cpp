@@ -3,6 +3,7 @@
 #include <QVarLengthArray>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <limits>
 
@@ -116,6 +117,15 @@ template <typename Real> Real realFromText(QStringView text)
     return prefix.negative ? -value : value;
 }
 
+template <typename Real> QString shortestDecimal(Real value)
+{
+    // The smallest double has 1074 digits behind its point.
+    std::array<char, 1100> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value,
+                                   std::chars_format::fixed);
+    return QString::fromLatin1(digits.data(), end.ptr - digits.data());
+}
+
 template <typename Integer> Integer integerFromText(QStringView text)
 {
     using Limits = std::numeric_limits<Integer>;
@@ -165,6 +175,16 @@ bool boolFromText(QStringView text)
     default:
         return isDigit(first) && first != '0';
     }
+}
+
+QString decimalText(float value)
+{
+    return shortestDecimal(value);
+}
+
+QString decimalText(double value)
+{
+    return shortestDecimal(value);
 }
 
 } // namespace pulsebar

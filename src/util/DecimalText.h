@@ -16,4 +16,8 @@ double doubleFromText(QStringView text);
 /// 0.
 bool boolFromText(QStringView text);
 
+/// The shortest plain decimal text that reads back as `value`: "60", "62.5", never an exponent.
+QString decimalText(float value);
+QString decimalText(double value);
+
 } // namespace pulsebar

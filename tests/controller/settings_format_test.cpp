@@ -1,6 +1,7 @@
 #include "controller/SettingsFormat.h"
 #include "controller/SettingsText.h"
 #include "support/Text.h"
+#include "util/DecimalText.h"
 
 #include <QFile>
 #include <QStringList>
