@@ -20,20 +20,21 @@ public:
 
     /// @param viewSetting colours; must outlive the view
     void setViewSetting(const GraphViewSetting *viewSetting) { m_viewSetting = viewSetting; }
-    /// Told when the view has to be drawn anew.
+    const GraphViewSetting *viewSetting() const { return m_viewSetting; }
+    /// Told when the view has to be drawn anew because it has other samples. Whoever changes a
+    /// colour tells that himself.
     void setNeedsDisplay(std::function<void()> listener) { m_needsDisplay = std::move(listener); }
 
     /// Shares the array, oldest sample first, and has the whole view drawn anew.
     void setUsageCacheArray(const UsageCache &array);
     const UsageCache &usageCacheArray() const { return m_usageCacheArray; }
 
-    /// Draws the background, and the line when there are at least 5 samples.
+    /// Draws the background, and over it the line when there are at least 5 samples.
     /// @param image premultiplied ARGB; its devicePixelRatio is how many of its pixels are a point
     /// @param rect what to draw, in points from the image's top left corner; the whole view
     void drawRect(QImage &image, const QRectF &rect) const;
 
 protected:
-    const GraphViewSetting *viewSetting() const { return m_viewSetting; }
     /// Draws the line; the base draws none.
     virtual void drawGraphInRect(QImage &image, const QRectF &rect) const;
 
@@ -50,7 +51,8 @@ protected:
     void drawGraphInRect(QImage &image, const QRectF &rect) const override;
 };
 
-/// Network traffic, in or out: a quiet line stays low.
+/// Network traffic, in or out: a quiet line stays low. Every sample is drawn; where one is not a
+/// number the line is interrupted.
 class NetworkGraphView : public GraphView
 {
 protected:

@@ -1,0 +1,78 @@
+#include "graph/GraphPoints.h"
+
+#include "util/Values.h"
+
+#include <cmath>
+
+namespace pulsebar {
+
+namespace {
+
+constexpr double inset = 2.0;
+/// Points are placed from the view's own corner; the inset only shrinks the scale.
+constexpr double origin = 1.0;
+
+/// A sample that is not a number is never the largest.
+double largest(const UsageCache &samples, double start)
+{
+    double result = start;
+    for (const QVariant &sample : samples) {
+        const double value = doubleValue(sample);
+        if (value > result)
+            result = value;
+    }
+    return result;
+}
+
+double stepBetween(const UsageCache &samples, QSizeF size)
+{
+    return samples.size() < 2 ? 0.0 : (size.width() - 2 * inset) / double(samples.size() - 1);
+}
+
+} // namespace
+
+double cpuFullScale(const UsageCache &samples)
+{
+    return std::trunc(largest(samples, 0.0) + 1.0);
+}
+
+QVector<QPointF> cpuGraphPoints(const UsageCache &samples, QSizeF size)
+{
+    const auto fullScale = float(cpuFullScale(samples));
+    const auto height = float(size.height() - 2 * inset);
+    const double step = stepBetween(samples, size);
+    QVector<QPointF> points;
+    points.reserve(samples.size());
+    double x = origin;
+    for (const QVariant &sample : samples) {
+        const float value = floatValue(sample);
+        if (std::isnan(value))
+            continue;
+        const float y = value / fullScale * height + float(origin);
+        points.append({x, double(y)});
+        x += step;
+    }
+    return points;
+}
+
+double networkFullScale(const UsageCache &samples)
+{
+    return largest(samples, 1024.0);
+}
+
+QVector<QPointF> networkGraphPoints(const UsageCache &samples, QSizeF size)
+{
+    const double fullScale = networkFullScale(samples);
+    const double height = size.height() - 2 * inset;
+    const double step = stepBetween(samples, size);
+    QVector<QPointF> points;
+    points.reserve(samples.size());
+    double x = origin;
+    for (const QVariant &sample : samples) {
+        points.append({x, double(floatValue(sample)) * height / fullScale + origin});
+        x += step;
+    }
+    return points;
+}
+
+} // namespace pulsebar
