@@ -3,6 +3,7 @@
 #include "platform/WindowHints.h"
 #include "statusitem/ItemDrawing.h"
 #include "statusitem/TitleText.h"
+#include "util/WindowSystem.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -23,21 +24,16 @@ constexpr int margin = 4;
 
 bool placesItself()
 {
-    return QGuiApplication::platformName() != u"wayland";
-}
-
-/// An X server inside a Wayland session centres and ignores managed windows as it likes.
-bool insideWayland()
-{
-    return QGuiApplication::platformName() == u"xcb" &&
-           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    return placesWindows(QGuiApplication::platformName());
 }
 
 Qt::WindowFlags stripFlags()
 {
     Qt::WindowFlags flags = Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
                             Qt::WindowDoesNotAcceptFocus;
-    return insideWayland() ? flags | Qt::X11BypassWindowManagerHint : flags;
+    const bool bypassed = bypassesWindowManager(QGuiApplication::platformName(),
+                                                !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"));
+    return bypassed ? flags | Qt::X11BypassWindowManagerHint : flags;
 }
 
 int mainScreenBottom()

@@ -1,5 +1,7 @@
 #include "statusitem/TitleText.h"
 
+#include "util/WindowSystem.h"
+
 #include <algorithm>
 
 namespace pulsebar {
@@ -74,12 +76,12 @@ double itemWidth(double textWidth, double guideWidth, double imageWidth, double 
 
 QPoint placeUpward(QPoint topLeft, int height, int screenHeight)
 {
-    return {topLeft.x(), screenHeight - topLeft.y() - height};
+    return {topLeft.x(), turnedOver(topLeft.y(), height, screenHeight)};
 }
 
 QPoint placeDownward(QPoint bottomLeft, int height, int screenHeight)
 {
-    return {bottomLeft.x(), screenHeight - bottomLeft.y() - height};
+    return {bottomLeft.x(), turnedOver(bottomLeft.y(), height, screenHeight)};
 }
 
 QPoint insideArea(QPoint topLeft, QSize size, const QRect &area)

@@ -22,6 +22,7 @@ public:
         , m_state(m_screen->atom("_NET_WM_STATE"))
         , m_skipTaskbar(m_screen->atom("_NET_WM_STATE_SKIP_TASKBAR"))
         , m_skipPager(m_screen->atom("_NET_WM_STATE_SKIP_PAGER"))
+        , m_shadow(m_screen->atom("_COMPTON_SHADOW"))
     {
     }
 
@@ -39,6 +40,14 @@ public:
         xcb_flush(m_screen->connection());
     }
 
+    void withoutShadow(quintptr window) override
+    {
+        // Understood by picom. Other compositors give a shadow to what has a frame, which a window
+        // without one has not.
+        m_screen->setProperty(xcb_window_t(window), m_shadow, XCB_ATOM_CARDINAL, {0});
+        xcb_flush(m_screen->connection());
+    }
+
 private:
     void ask(xcb_window_t window, xcb_atom_t what, std::initializer_list<std::uint32_t> data) const
     {
@@ -52,6 +61,7 @@ private:
     xcb_atom_t m_state;
     xcb_atom_t m_skipTaskbar;
     xcb_atom_t m_skipPager;
+    xcb_atom_t m_shadow;
 };
 
 } // namespace
