@@ -1,6 +1,7 @@
 #include "controller/Controller.h"
 
 #include "controller/ApplicationUtility.h"
+#include "controller/GraphWindows.h"
 #include "controller/Settings.h"
 #include "controller/TitleTexts.h"
 #include "engine/TopMonitor.h"
@@ -93,6 +94,7 @@ void Controller::loadPreference()
     const std::optional<QString> how = m_settings.value(preferences::kTitleOnPanel);
     if (how && !setTitleOnPanel(*how))
         m_settings.reportMalformed(preferences::kTitleOnPanel.key);
+    loadGraphWindows();
     m_loaded = true;
 }
 
@@ -132,11 +134,35 @@ void Controller::loadItemWidth()
     m_titles.setItemWidth(stored.value_or(static_cast<float>(m_statusItem.length())));
 }
 
+void Controller::loadGraphWindows()
+{
+    if (m_graphWindows == nullptr)
+        return;
+    const QStringList keys =
+        m_settings.value(preferences::kGraphWindowKeys).value_or(QStringList());
+    for (const QString &key : keys)
+        m_graphWindows->showGraphViewForKey(key);
+}
+
+void Controller::saveGraphWindows()
+{
+    if (m_graphWindows == nullptr)
+        return;
+    const QStringList keys = m_graphWindows->graphWindowKeys();
+    if (keys.isEmpty())
+        m_settings.remove(preferences::kGraphWindowKeys);
+    else
+        m_settings.setValue(preferences::kGraphWindowKeys, keys);
+    m_graphWindows->storeSettings();
+}
+
 void Controller::save()
 {
     // Before the preferences are there, what would be stored are no preferences.
     if (!m_loaded)
         return;
+    // Each graph window puts its settings on the disk when it has stored them; once is enough.
+    const Settings::Batch batch(m_settings);
     m_settings.setValue(preferences::kTitleTypesToDisplay, m_titles.titleTypesToDisplay());
     m_settings.setValue(preferences::kCheckMemory, m_monitor.checkMemory());
     m_settings.setValue(preferences::kSortByMemory, m_monitor.sortByMemory());
@@ -148,6 +174,7 @@ void Controller::save()
     m_settings.setValue(preferences::kItemWidth, m_titles.itemWidth());
     m_settings.setValue(preferences::kNetworkMax, m_networkMax);
     m_settings.setValue(preferences::kTitleOnPanel, titleOnPanel());
+    saveGraphWindows();
     m_settings.synchronize();
 }
 
@@ -157,6 +184,8 @@ void Controller::update()
     m_titles.update();
     if (!m_statusItem.hasMenu())
         m_statusItem.setMenuDelegate(this);
+    if (m_graphWindows != nullptr)
+        m_graphWindows->feed();
     Q_EMIT sampleShown();
 }
 

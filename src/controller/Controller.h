@@ -29,7 +29,7 @@ struct ControllerParts
     QString programImage;                     ///< stands for the program in icon mode
     std::function<void()> terminate;          ///< ends the program; save() is called on the way
     NetworkMonitor *networkMonitor = nullptr; ///< null: no process's traffic is known
-    GraphWindows *graphWindows = nullptr;
+    GraphWindows *graphWindows = nullptr;     ///< null: no graph can be shown
     Processes *processes = nullptr;
     LoginItems *loginItems = nullptr;          ///< null: the system keeps no list of them
     ApplicationUtility *application = nullptr; ///< null: there is no manual to show
@@ -60,6 +60,8 @@ public:
     /// Null where no process's traffic is known.
     const NetworkMonitor *networkMonitor() const { return m_networkMonitor; }
     StatusItem &statusItem() { return m_statusItem; }
+    /// Null where there are no graph windows.
+    GraphWindows *graphWindows() { return m_graphWindows; }
     const Titles &titles() const { return m_titles; }
 
     bool showIcon() const { return m_showIcon; }
@@ -103,6 +105,8 @@ private:
     void loadMonitorSettings();
     void loadToggleTitleOptionArray();
     void loadItemWidth();
+    void loadGraphWindows();
+    void saveGraphWindows();
     void setRefreshSec(int seconds);
     void runNettop(bool on);
     TitleMenuState titleMenuState() const;

@@ -3,6 +3,7 @@
 #include "controller/BusValues.h"
 #include "controller/Controller.h"
 #include "controller/DBusInterfaces.h"
+#include "controller/GraphScripting.h"
 #include "controller/TitleTexts.h"
 #include "engine/NetworkMonitor.h"
 #include "engine/TopMonitor.h"
@@ -102,6 +103,7 @@ Scripting::Scripting(Controller &controller)
     addMeasuredValues();
     addControlProperties();
     addControlMethods();
+    addGraphWindows();
     connectSignals();
 }
 
@@ -264,6 +266,13 @@ void Scripting::addControlMethods()
                                                       Qt::QueuedConnection);
                             return QVariant();
                         }});
+}
+
+void Scripting::addGraphWindows()
+{
+    m_object.addProperty(graphWindowKeysProperty(kControl, m_controller.graphWindows()));
+    for (BusMethod &method : graphWindowMethods(kControl, m_controller.graphWindows()))
+        m_object.addMethod(std::move(method));
 }
 
 void Scripting::connectSignals()

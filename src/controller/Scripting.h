@@ -32,6 +32,7 @@ private:
     void addMeasuredValues();
     void addControlProperties();
     void addControlMethods();
+    void addGraphWindows();
     void connectSignals();
 
     Controller &m_controller;

@@ -1,6 +1,7 @@
 #include "controller/Settings.h"
 
 #include "controller/SettingsFormat.h"
+#include "controller/SettingsText.h"
 
 #include <QLoggingCategory>
 #include <QStandardPaths>
@@ -95,8 +96,24 @@ QString Settings::standardFileName()
            QStringLiteral("/Pulsebar/Pulsebar.conf");
 }
 
+Settings::Batch::Batch(Settings &settings)
+    : m_settings(settings)
+{
+    ++m_settings.m_batches;
+}
+
+Settings::Batch::~Batch()
+{
+    --m_settings.m_batches;
+    if (m_settings.m_batches == 0 && m_settings.m_synchronizeLater)
+        m_settings.synchronize();
+}
+
 bool Settings::synchronize()
 {
+    m_synchronizeLater = m_batches > 0;
+    if (m_synchronizeLater)
+        return true;
     m_file.sync();
     if (m_file.status() == QSettings::NoError)
         return true;
@@ -105,9 +122,9 @@ bool Settings::synchronize()
     return false;
 }
 
-QVariant Settings::storedValue(const char *key) const
+QVariant Settings::storedValue(const QString &key) const
 {
-    QVariant stored = m_file.value(settingsformat::encodedKey(QString::fromLatin1(key)));
+    QVariant stored = m_file.value(settingsformat::encodedKey(key));
     // What this run wrote has its own type until it has been on the disk.
     if (stored.isValid() && stored.typeId() != QMetaType::QVariantList &&
         stored.typeId() != QMetaType::QStringList)
@@ -115,13 +132,14 @@ QVariant Settings::storedValue(const char *key) const
     return stored;
 }
 
-void Settings::reportMalformed(const char *key) const
+void Settings::reportMalformed(const QString &key) const
 {
+    // As it stands in the file, where it can be looked for; a key may hold line breaks.
     qCWarning(lcSettings, "The setting %s has a value that cannot be read; its default is used.",
-              key);
+              qUtf8Printable(settingsformat::encodedKey(key)));
 }
 
-template <> std::optional<QString> Settings::read<QString>(const char *key)
+std::optional<QString> Settings::text(const QString &key)
 {
     const QVariant stored = storedValue(key);
     if (!stored.isValid())
@@ -131,6 +149,23 @@ template <> std::optional<QString> Settings::read<QString>(const char *key)
         return std::nullopt;
     }
     return stored.toString();
+}
+
+void Settings::setText(const QString &key, const QString &text)
+{
+    writeVariant(key, text);
+}
+
+template <> std::optional<QString> Settings::read<QString>(const char *key)
+{
+    return text(QString::fromLatin1(key));
+}
+
+/// Any text is one; a value written without a comma is a list of one.
+template <> std::optional<QStringList> Settings::read<QStringList>(const char *key)
+{
+    const QVariant stored = storedValue(key);
+    return stored.isValid() ? std::optional<QStringList>(stored.toStringList()) : std::nullopt;
 }
 
 template <> std::optional<int> Settings::read<int>(const char *key)
@@ -197,12 +232,19 @@ template <> std::optional<QVector<bool>> Settings::read<QVector<bool>>(const cha
 
 void Settings::removeKey(const char *key)
 {
-    m_file.remove(settingsformat::encodedKey(QString::fromLatin1(key)));
+    const QString encoded = settingsformat::encodedKey(QString::fromLatin1(key));
+    if (m_file.contains(encoded))
+        m_file.remove(encoded);
 }
 
-void Settings::writeVariant(const char *key, const QVariant &value)
+void Settings::writeVariant(const QString &key, const QVariant &value)
 {
-    m_file.setValue(settingsformat::encodedKey(QString::fromLatin1(key)), value);
+    const QString encoded = settingsformat::encodedKey(key);
+    // What stands in the file already costs no new one.
+    const QVariant stored = m_file.value(encoded);
+    if (!stored.isValid() ||
+        settingsformat::textFromValue(stored) != settingsformat::textFromValue(value))
+        m_file.setValue(encoded, value);
 }
 
 void Settings::write(const char *key, const QString &value)
@@ -226,6 +268,11 @@ void Settings::write(const char *key, bool value)
 }
 
 void Settings::write(const char *key, float value)
+{
+    writeVariant(key, value);
+}
+
+void Settings::write(const char *key, const QStringList &value)
 {
     writeVariant(key, value);
 }

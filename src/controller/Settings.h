@@ -2,6 +2,7 @@
 
 #include <QSettings>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 #include <optional>
@@ -44,6 +45,8 @@ inline constexpr OptionalPreference<QVector<bool>> kToggleTitleOptionArray{
 inline constexpr OptionalPreference<float> kItemWidth{"itemWidth"};
 /// Where the strip was left: x and y of its lower left corner, y counting upward.
 inline constexpr OptionalPreference<QVector<int>> kStripPlace{"stripPlace"};
+/// The keys of the open graph windows, in the order in which they were opened.
+inline constexpr OptionalPreference<QStringList> kGraphWindowKeys{"graphWindowKeys"};
 } // namespace preferences
 
 /// The user's settings, typed. A value that is not of its preference's type counts as absent and
@@ -51,6 +54,19 @@ inline constexpr OptionalPreference<QVector<int>> kStripPlace{"stripPlace"};
 class Settings
 {
 public:
+    /// While one lives, synchronize() waits; what it was asked for is done at the end of the last.
+    class Batch
+    {
+    public:
+        explicit Batch(Settings &settings);
+        ~Batch();
+        Batch(const Batch &) = delete;
+        Batch &operator=(const Batch &) = delete;
+
+    private:
+        Settings &m_settings;
+    };
+
     /// @param fileName absolute path; it and its folder are made when something is first written
     explicit Settings(const QString &fileName);
 
@@ -82,8 +98,14 @@ public:
         removeKey(preference.key);
     }
 
+    /// The text under a key of any characters, such as one with the name of a process. Absent when
+    /// there is none; a value that is no single text is reported.
+    std::optional<QString> text(const QString &key);
+    void setText(const QString &key, const QString &text);
+
     /// Says in the log that a key's value is of no use.
-    void reportMalformed(const char *key) const;
+    void reportMalformed(const QString &key) const;
+    void reportMalformed(const char *key) const { reportMalformed(QString::fromLatin1(key)); }
 
     /// Puts every change on the disk. @return whether that worked; a failure is logged
     bool synchronize();
@@ -91,18 +113,26 @@ public:
 private:
     template <typename T> std::optional<T> read(const char *key);
 
-    QVariant storedValue(const char *key) const;
+    QVariant storedValue(const QString &key) const;
+    QVariant storedValue(const char *key) const { return storedValue(QString::fromLatin1(key)); }
     void removeKey(const char *key);
     void write(const char *key, const QString &value);
     void write(const char *key, int value);
     void write(const char *key, qint64 value);
     void write(const char *key, bool value);
     void write(const char *key, float value);
+    void write(const char *key, const QStringList &value);
     void write(const char *key, const QVector<int> &value);
     void write(const char *key, const QVector<bool> &value);
-    void writeVariant(const char *key, const QVariant &value);
+    void writeVariant(const QString &key, const QVariant &value);
+    void writeVariant(const char *key, const QVariant &value)
+    {
+        writeVariant(QString::fromLatin1(key), value);
+    }
 
     QSettings m_file;
+    int m_batches = 0;
+    bool m_synchronizeLater = false;
 };
 
 template <> std::optional<int> Settings::read<int>(const char *key);
@@ -110,6 +140,7 @@ template <> std::optional<qint64> Settings::read<qint64>(const char *key);
 template <> std::optional<bool> Settings::read<bool>(const char *key);
 template <> std::optional<float> Settings::read<float>(const char *key);
 template <> std::optional<QString> Settings::read<QString>(const char *key);
+template <> std::optional<QStringList> Settings::read<QStringList>(const char *key);
 template <> std::optional<QVector<int>> Settings::read<QVector<int>>(const char *key);
 template <> std::optional<QVector<bool>> Settings::read<QVector<bool>>(const char *key);
 

@@ -1,7 +1,8 @@
 #include "FakeCollectors.h"
+#include "FakeGraphWindow.h"
 #include "FakeStatusItem.h"
 #include "controller/Controller.h"
-#include "controller/GraphWindows.h"
+#include "controller/GraphWindowRegistry.h"
 #include "controller/Settings.h"
 #include "engine/NetworkMonitor.h"
 #include "engine/TopMonitor.h"
@@ -29,15 +30,6 @@ struct FakeNetworkMonitor : NetworkMonitor
     std::optional<QVariantMap> dictionary = QVariantMap{
         {QStringLiteral("a"), QVariantMap{{QStringLiteral("name"), QStringLiteral("a")}}},
         {QStringLiteral("b"), QVariantMap{{QStringLiteral("name"), QStringLiteral("b")}}}};
-};
-
-struct FakeGraphWindows : GraphWindows
-{
-    QStringList shown;
-    bool hidden = false;
-    void showGraphViewForKey(const QString &key) override { shown += key; }
-    bool hideGraphWindow() const override { return hidden; }
-    void switchGraphWindow() override { hidden = !hidden; }
 };
 
 struct FakeProcesses : Processes
@@ -116,7 +108,9 @@ protected:
     TopMonitor monitor;
     FakeStatusItem item;
     FakeNetworkMonitor network;
-    FakeGraphWindows graphs;
+    FakeGraphs fakes;
+    GraphWindowRegistry graphs{fakes.factory(),
+                               [this](const QString &key) { return monitor.cacheDataForKey(key); }};
     FakeProcesses processes;
     std::optional<Controller> controller;
 };
@@ -225,7 +219,8 @@ TEST_F(ControllerMenuTest, GraphsOpenByTheTitleOfTheMenu)
     choose(process, rowTitled(process, QStringLiteral("Show Graph")));
     choose(process, rowTitled(process, QStringLiteral("Maximum: 12.5%")));
     const QString key = QStringLiteral("CPUUsage__412//Web Content");
-    EXPECT_EQ(graphs.shown, (QStringList{key, key}));
+    EXPECT_EQ(graphs.graphWindowKeys(), QStringList{key});
+    EXPECT_EQ(fakes.of(key).fronted, 1);
 }
 
 TEST_F(ControllerMenuTest, GraphsAreHiddenAndShown)
@@ -234,7 +229,7 @@ TEST_F(ControllerMenuTest, GraphsAreHiddenAndShown)
     Menu menu = built();
     EXPECT_EQ(rowTitled(menu, QStringLiteral("Hide Graph")).state, ItemState::Off);
     choose(menu, rowTitled(menu, QStringLiteral("Hide Graph")));
-    EXPECT_TRUE(graphs.hidden);
+    EXPECT_TRUE(graphs.hideGraphWindow());
     menu = built();
     EXPECT_EQ(rowTitled(menu, QStringLiteral("Hide Graph")).state, ItemState::On);
 }
@@ -248,7 +243,7 @@ TEST_F(ControllerMenuTest, OnlyCoresAreDummiesWithAGraph)
         choose(holder,
                holder.addDummyItemWithTitle(QString::fromLatin1(title), ItemTarget::Controller));
     }
-    EXPECT_EQ(graphs.shown, QStringList{QStringLiteral("CPU3")});
+    EXPECT_EQ(graphs.graphWindowKeys(), QStringList{QStringLiteral("CPU3")});
 }
 
 TEST_F(ControllerMenuTest, TheProcessorsRowEmptiesTheTitle)
@@ -268,8 +263,8 @@ TEST_F(ControllerMenuTest, WorksWithNothingBesideTheMonitor)
     EXPECT_EQ(rowTitled(built(), QStringLiteral("Hide Graph")).state, ItemState::Off);
     const Menu &process = *menu.items().constFirst().submenu;
     choose(process, rowTitled(process, QStringLiteral("Show Graph")));
-    EXPECT_TRUE(graphs.shown.isEmpty());
-    EXPECT_FALSE(graphs.hidden);
+    EXPECT_TRUE(graphs.graphWindowKeys().isEmpty());
+    EXPECT_FALSE(graphs.hideGraphWindow());
 }
 
 } // namespace

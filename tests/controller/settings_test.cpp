@@ -149,6 +149,41 @@ TEST_F(SettingsTest, RemovedKeyIsGone)
     EXPECT_EQ(fileText(), QByteArray("[General]\nlistMax=3\n"));
 }
 
+TEST_F(SettingsTest, WhatStandsThereAlreadyIsNotWrittenAnew)
+{
+    Settings settings = withText("listMax=7 ; a remark\nshowIcon=true\nitemWidth=60\n"
+                                 "titleTypesToDisplay=1, 2\ntitleOnPanel=icon\n");
+    const auto storeAll = [&settings](int listMax) {
+        settings.setValue(preferences::kListMax, listMax);
+        settings.setValue(preferences::kShowIcon, true);
+        settings.setValue(preferences::kItemWidth, 60.0F);
+        settings.setValue(preferences::kTitleTypesToDisplay, QVector<int>{1, 2});
+        settings.setValue(preferences::kTitleOnPanel, QStringLiteral("icon"));
+        settings.remove(preferences::kGraphWindowKeys);
+        EXPECT_TRUE(settings.synchronize());
+    };
+    storeAll(7);
+    EXPECT_TRUE(fileText().contains("a remark"));
+    storeAll(8);
+    EXPECT_TRUE(fileText().contains("listMax=8\n"));
+}
+
+TEST_F(SettingsTest, ABatchIsWrittenOnceAtItsEnd)
+{
+    Settings settings = withText("");
+    {
+        const Settings::Batch batch(settings);
+        settings.setValue(preferences::kListMax, 7);
+        EXPECT_TRUE(settings.synchronize());
+        {
+            const Settings::Batch inner(settings);
+            EXPECT_TRUE(settings.synchronize());
+        }
+        EXPECT_EQ(fileText(), QByteArray("[General]\n"));
+    }
+    EXPECT_EQ(fileText(), QByteArray("[General]\nlistMax=7\n"));
+}
+
 TEST(Settings, FailureToWriteIsTold)
 {
     Settings settings(QStringLiteral("/proc/no/such/place/Pulsebar.conf"));
