@@ -76,13 +76,14 @@ public:
     {
     }
 
+    /// Of a text, whose thin strokes hardly cover a pixel: each counts double.
     static AlphaPlane of(const QImage &image)
     {
         AlphaPlane plane(image.width(), image.height());
         for (int y = 0; y < plane.m_height; ++y) {
             const auto *line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
             std::transform(line, line + plane.m_width, plane.row(y),
-                           [](QRgb pixel) { return quint8(qAlpha(pixel)); });
+                           [](QRgb pixel) { return quint8(std::min(255, 2 * qAlpha(pixel))); });
         }
         return plane;
     }
@@ -185,15 +186,18 @@ void HaloText::layOut()
     if (!line.isValid() || layout.text().isEmpty())
         return;
     m_width = line.naturalTextWidth() / scale;
-    m_halo = int(std::ceil(haloReach * scale)) + 1;
-    const int margin = m_halo;
+    const int margin = int(std::ceil(haloReach * scale)) + 1;
+    // The baseline is the font's, also where letters were taken from another, taller one.
+    const double raised =
+        std::max(0.0, std::ceil(line.ascent() - QFontMetricsF(layout.font()).ascent()));
+    m_offset = QPoint(margin, margin + int(raised));
     m_image =
         QImage(int(std::ceil(line.naturalTextWidth())) + 2 * margin,
                int(std::ceil(line.height())) + 2 * margin, QImage::Format_ARGB32_Premultiplied);
     m_image.fill(Qt::transparent);
     QPainter painter(&m_image);
     painter.setPen(m_content.color);
-    layout.draw(&painter, {margin - line.x(), double(margin)});
+    layout.draw(&painter, QPointF(margin, margin) - line.naturalTextRect().topLeft());
     painter.end();
     addHalo(m_image, haloColor(m_content.color), scale);
 }
@@ -205,7 +209,7 @@ void HaloText::showOn(QImage &image, QPoint topLeft) const
     QPainter painter(&image);
     // The image's pixels are meant, whatever it says about points.
     painter.scale(1 / image.devicePixelRatio(), 1 / image.devicePixelRatio());
-    painter.drawImage(topLeft - QPoint(m_halo, m_halo), m_image);
+    painter.drawImage(topLeft - m_offset, m_image);
 }
 
 } // namespace pulsebar

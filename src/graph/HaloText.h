@@ -39,7 +39,7 @@ private:
     double m_room = -1.0;
     double m_width = 0.0;
     QImage m_image;
-    int m_halo = 0; ///< pixels around the text
+    QPoint m_offset; ///< from the image's corner to the text's, in pixels
 };
 
 /// The height of a line of text in points.
