@@ -2,6 +2,7 @@
 
 #include "BusClient.h"
 #include "ExitStatus.h"
+#include "GraphKeys.h"
 #include "JsonText.h"
 #include "PropertyValue.h"
 #include "Watch.h"
@@ -90,6 +91,27 @@ int historyCommand(const BusClient &client, const QStringList &arguments)
     return printAnswer(client.callControl(QStringLiteral("cacheDataForKey"), {arguments.front()}));
 }
 
+int graphShowCommand(const BusClient &client, const QStringList &arguments)
+{
+    return reportOutcome(
+        client.callControl(QStringLiteral("showGraphViewForKey"), {arguments.front()}));
+}
+
+int graphCloseCommand(const BusClient &client, const QStringList &arguments)
+{
+    return reportOutcome(
+        client.callControl(QStringLiteral("closeGraphViewForKey"), {arguments.front()}));
+}
+
+int graphListCommand(const BusClient &client, const QStringList &)
+{
+    const Answer keys = client.get(BusClient::kControl, QStringLiteral("graphWindowKeys"));
+    if (keys.failed())
+        return reportError(keys.error);
+    std::fputs(linesOfKeys(keys.value.toStringList()).toUtf8().constData(), stdout);
+    return kDone;
+}
+
 int menuCommand(const BusClient &client, const QStringList &)
 {
     return reportOutcome(client.callControl(QStringLiteral("openMenu")));
@@ -129,6 +151,9 @@ constexpr std::array kCommands{
     Command{QLatin1String("set"), 2, setCommand},
     Command{QLatin1String("title"), 0, titleCommand},
     Command{QLatin1String("history"), 1, historyCommand},
+    Command{QLatin1String("graph show"), 1, graphShowCommand},
+    Command{QLatin1String("graph close"), 1, graphCloseCommand},
+    Command{QLatin1String("graph list"), 0, graphListCommand},
     Command{QLatin1String("menu"), 0, menuCommand},
     Command{QLatin1String("quit"), 0, quitCommand},
 };
@@ -157,6 +182,15 @@ int runWatch(const QStringList &arguments)
         return kNotRunning;
     }
     return watchCommand(client, *format);
+}
+
+/// Takes the command's name off the front of a command line; that of the graphs has two words.
+QString takeName(QStringList &arguments)
+{
+    QString name = arguments.takeFirst();
+    if (name == QLatin1String("graph") && !arguments.isEmpty())
+        name += u' ' + arguments.takeFirst();
+    return name;
 }
 
 int runCommand(const Command &command, const QStringList &arguments)
@@ -190,6 +224,9 @@ QString helpText()
         "  title                   the title\n"
         "  watch [--format FORMAT] a line per sample: plain, json, waybar or i3bar\n"
         "  history KEY             the last minute of a series as a JSON array\n"
+        "  graph show KEY          opens the graph of a series, or raises it\n"
+        "  graph close KEY         closes it\n"
+        "  graph list              the keys of the open graphs, one a line\n"
         "  menu                    opens the menu\n"
         "  quit                    ends pulsebar\n"
         "\n"
@@ -202,7 +239,8 @@ int run(const QStringList &arguments)
 {
     if (arguments.isEmpty())
         return reportUsage(QStringLiteral("no command"));
-    const QString &name = arguments.front();
+    QStringList rest = arguments;
+    const QString name = takeName(rest);
     if (name == QLatin1String("--help") || name == QLatin1String("-h")) {
         std::fputs(helpText().toUtf8().constData(), stdout);
         return kDone;
@@ -212,10 +250,10 @@ int run(const QStringList &arguments)
         return kDone;
     }
     if (name == QLatin1String("watch"))
-        return runWatch(arguments.mid(1));
+        return runWatch(rest);
     for (const Command &command : kCommands) {
         if (name == command.name)
-            return runCommand(command, arguments.mid(1));
+            return runCommand(command, rest);
     }
     return reportUsage(QStringLiteral("unknown command %1").arg(name));
 }

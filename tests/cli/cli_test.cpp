@@ -1,6 +1,7 @@
 #include "cli/BusClient.h"
 #include "cli/Commands.h"
 #include "cli/ExitStatus.h"
+#include "cli/GraphKeys.h"
 #include "cli/JsonText.h"
 #include "cli/PropertyValue.h"
 #include "cli/WatchFormat.h"
@@ -150,6 +151,21 @@ TEST(WatchFormat, OtherNamesAreNone)
     EXPECT_EQ(WatchFormat::named(s("xml")), nullptr);
 }
 
+TEST(GraphKeys, OneALine)
+{
+    EXPECT_EQ(linesOfKeys({}), QString());
+    EXPECT_EQ(linesOfKeys({s("CPUTotalUsage"), s("CPUUsage__412//a \"b\", \xC3\xA4")}),
+              s("CPUTotalUsage\nCPUUsage__412//a \"b\", \xC3\xA4\n"));
+}
+
+TEST(GraphKeys, NoNameBreaksALineOrSteersTheTerminal)
+{
+    const QString bad = QString(QChar(QChar::ReplacementCharacter));
+    EXPECT_EQ(linesOfKeys({s("a\nb\r"), s("\x1B[2J\x7F"), s("\xC2\x85\xE2\x80\xA8")}),
+              s("a") + bad + s("b") + bad + s("\n") + bad + s("[2J") + bad + s("\n") + bad + bad +
+                  s("\n"));
+}
+
 TEST(CommandLine, WrongOnesAreUsageErrors)
 {
     testing::internal::CaptureStderr();
@@ -162,6 +178,12 @@ TEST(CommandLine, WrongOnesAreUsageErrors)
                                     {s("watch"), s("--format"), s("xml")},
                                     {s("watch"), s("--format")},
                                     {s("watch"), s("x")},
+                                    {s("graph")},
+                                    {s("graph"), s("dance")},
+                                    {s("graph"), s("show")},
+                                    {s("graph"), s("show"), s("a"), s("b")},
+                                    {s("graph"), s("close")},
+                                    {s("graph"), s("list"), s("x")},
                                     {s("--nonsense")}})
         EXPECT_EQ(run(line), kUsage) << line.join(u' ').toStdString();
     EXPECT_NE(testing::internal::GetCapturedStderr().find("--help"), std::string::npos);
@@ -169,7 +191,8 @@ TEST(CommandLine, WrongOnesAreUsageErrors)
 
 TEST(CommandLine, HelpNamesEveryCommand)
 {
-    for (const char *command : {"get", "set", "title", "watch", "history", "menu", "quit"})
+    for (const char *command : {"get", "set", "title", "watch", "history", "graph show KEY",
+                                "graph close KEY", "graph list", "menu", "quit"})
         EXPECT_TRUE(helpText().contains(s("\n  ") + s(command))) << command;
 }
 
