@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QVariantList>
+
+#include <optional>
+
+/// The list of alerts as the text of a JSON array, as it stands in the settings file.
+namespace pulsebar::alertlist {
+
+inline constexpr int kMostAlerts = 64;
+/// Longest JSON text of one entry, in UTF-8 bytes, whatever its keys.
+inline constexpr int kLongestEntry = 4096;
+
+/// The entries of use, and why the others are not.
+struct SoundEntries
+{
+    QVariantList entries;
+    QStringList problems; ///< one per entry that was left out, for the log
+};
+
+/// Sorts out broken entries (see alertRuleFromEntry()), those that are too long, and all behind the
+/// 64th.
+SoundEntries soundEntries(const QVariantList &entries);
+
+/// Reads the array; absent when the text is none.
+std::optional<QVariantList> entriesFromText(const QString &text);
+
+/// What JSON can hold of the entries: texts, numbers, booleans, lists and dictionaries.
+QString textFromEntries(const QVariantList &entries);
+
+} // namespace pulsebar::alertlist
