@@ -4,6 +4,7 @@
 #include "platform/ApplicationWindows.h"
 #include "platform/Compositing.h"
 #include "platform/FileViewer.h"
+#include "platform/Notifications.h"
 #include "platform/ProcessNames.h"
 #include "platform/TrayDock.h"
 #include "platform/UrlOpener.h"
@@ -27,6 +28,7 @@ struct Desktop
     std::unique_ptr<ProcessNames> processNames;
     std::unique_ptr<ApplicationWindows> applicationWindows;
     std::unique_ptr<FileViewer> fileViewer;
+    std::unique_ptr<Notifications> notifications; ///< null: nothing is told beside the item
     std::unique_ptr<AdministratorRights> administratorRights;
     std::unique_ptr<UrlOpener> urlOpener;
 };

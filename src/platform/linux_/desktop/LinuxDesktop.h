@@ -3,6 +3,7 @@
 #include "platform/AdministratorRights.h"
 #include "platform/ApplicationWindows.h"
 #include "platform/FileViewer.h"
+#include "platform/Notifications.h"
 #include "platform/ProcessNames.h"
 #include "platform/TrayDock.h"
 #include "platform/UrlOpener.h"
@@ -28,6 +29,9 @@ std::unique_ptr<ApplicationWindows> makeApplicationWindows();
 
 /// The file manager on the session bus.
 std::unique_ptr<FileViewer> makeFileViewer();
+
+/// The notification server on the session bus.
+std::unique_ptr<Notifications> makeNotifications();
 
 /// polkit's pkexec(1).
 /// @param pkexec its absolute path

@@ -11,6 +11,7 @@ Desktop makeDesktop()
     desktop.processNames = makeProcessNames();
     desktop.applicationWindows = makeApplicationWindows();
     desktop.fileViewer = makeFileViewer();
+    desktop.notifications = makeNotifications();
     desktop.administratorRights = makeAdministratorRights();
     desktop.urlOpener = makeUrlOpener();
     return desktop;
