@@ -13,7 +13,7 @@ namespace pulsebar {
 /// A process and the CPU time it used.
 struct Culprit
 {
-    QString name;        ///< at most 64 characters
+    QString name;        ///< at most 64 characters, printable and on one line
     qint64 number = 0;   ///< process number; 0: not known, or no longer that process's
     double fraction = 0; ///< of one core: 1.0 is one core, busy all the time
 };
@@ -26,9 +26,13 @@ struct CulpritSample
     /// The processes that used most, the busiest first; those that used nothing are not there.
     QList<Culprit> processes() const;
 
-private:
-    friend class CulpritHistory;
     static constexpr int kMostProcesses = 3;
+    /// Takes an entry of a "ProcessList" among the busiest, if it is one of them.
+    void consider(const QVariantMap &process);
+    /// Makes equal names one, so that they are kept once.
+    void shareNamesWith(const CulpritSample &before);
+
+private:
     std::array<Culprit, kMostProcesses> m_processes;
     int m_count = 0;
 };
@@ -46,7 +50,8 @@ public:
     static constexpr int kLongestName = 64;
 
     /// Takes a sample's "CPUUsageCoreAverage" and the busiest of its "ProcessList", in whatever
-    /// order that is. A sample without a load (the first one) is left out.
+    /// order that is; their numbers are texts there. A sample without a load (the first one) is
+    /// left out.
     /// @param time milliseconds since the epoch. Samples older than ten minutes before it go; when
     ///        the clock was set back, nothing goes for that.
     void add(const QVariantMap &sample, qint64 time);

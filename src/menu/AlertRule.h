@@ -56,7 +56,7 @@ std::optional<AlertRule> alertRuleFromEntry(const QVariantMap &entry);
 /// The entry with the rule written into it; keys that the rule says nothing about stay as they are.
 QVariantMap entryWithAlertRule(const AlertRule &rule, QVariantMap entry = {});
 
-/// What a threshold may be, for an editor.
+/// What a threshold may be, for an editor; the limits are the same in either scale.
 struct AlertThresholdRange
 {
     double least;
@@ -65,7 +65,7 @@ struct AlertThresholdRange
     double usual; ///< what a new alert begins with
     int decimals;
 };
-AlertThresholdRange alertThresholdRange(AlertSubject subject);
+AlertThresholdRange alertThresholdRange(AlertSubject subject, bool fahrenheit);
 
 /// Why a rule cannot be used, in the user's language; empty when it can. Stricter than
 /// alertRuleFromEntry(): the threshold must lie in its range.
