@@ -65,7 +65,12 @@ Q_SIGNALS:
     void alarmEnded(const QString &id);
 
 private:
-    enum class Phase { Idle, Begun, Held, Told };
+    enum class Phase {
+        Idle,
+        Begun, ///< the event came; its sample did not, yet
+        Held,
+        Told,
+    };
     struct State
     {
         AlertRule rule; ///< with which it began
@@ -77,9 +82,10 @@ private:
     };
 
     void dropOutdated();
-    bool advance(State &state, const Alert &alert, const QVariantMap &sample, qint64 now);
+    void advance(State &state, const QVariantMap &sample, qint64 now) const;
     Alarm alarmFor(const State &state, const Alert &alert, const QVariantMap &sample,
                    qint64 now) const;
+    std::size_t samplesToBlame(const State &state) const;
 
     const Alerts &m_alerts;
     const CulpritHistory &m_history;

@@ -7,8 +7,6 @@
 #include <QVariantList>
 #include <QVector>
 
-#include <optional>
-
 namespace pulsebar {
 
 class Settings;
@@ -60,18 +58,18 @@ public:
     QVariantList observedEntries() const;
 
 Q_SIGNALS:
-    /// The list is another one; not emitted where nothing changed.
+    /// The list was replaced. Whoever hears it may change it again.
     void changed();
 
 private:
     QVector<Alert> alertsFrom(const QVariantList &entries);
     void replace(QVector<Alert> list);
     void store();
-    QString newId() const;
-    Alert *findForChange(const QString &id);
+    QString newId();
 
     Settings &m_settings;
     QVector<Alert> m_list;
+    int m_made = 0; ///< ids that were made up
 };
 
 } // namespace pulsebar

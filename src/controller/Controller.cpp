@@ -7,7 +7,10 @@
 #include "engine/TopMonitor.h"
 #include "platform/Processes.h"
 
+#include <QDateTime>
+
 #include <array>
+#include <chrono>
 
 namespace pulsebar {
 
@@ -40,6 +43,14 @@ QVector<bool> paddedMembers(QVector<bool> members)
     return members;
 }
 
+AlertWatch::ProcessRecord processRecordOf(const TopMonitor &monitor)
+{
+    return [&monitor](const QString &process) {
+        const std::optional<QVariantMap> info = monitor.usageInfoDictForKey(process);
+        return info ? info->value(QStringLiteral("usageInfo")).toMap() : QVariantMap();
+    };
+}
+
 } // namespace
 
 Controller::Controller(const ControllerParts &parts)
@@ -56,6 +67,8 @@ Controller::Controller(const ControllerParts &parts)
     , m_showDetailWindow(parts.showDetailWindow)
     , m_titles(parts.monitor, parts.statusItem, parts.programImage)
     , m_processActions(parts.monitor, parts.processActions)
+    , m_alerts(parts.settings)
+    , m_alertWatch(m_alerts, m_culprits, processRecordOf(parts.monitor))
 {
     m_titles.setWidthListener(
         [this] { Q_EMIT itemWidthChanged(static_cast<double>(m_titles.itemWidth())); });
@@ -66,7 +79,7 @@ void Controller::awakeFromNib()
     static constexpr double kFirstLength = 60.0;
     if (m_application != nullptr)
         m_application->showManualIfItIsFirstLaunch(m_settings);
-    // Observe entries come and go over the bus; the title needs every collector all the same.
+    // Alerts come and go; the title needs every collector all the same.
     m_monitor.setAutoEnableMonitor(false);
     for (const char *flag : {"monitorCPU", "monitorNetwork", "monitorBattery",
                              "monitorProcessUsage", "monitorTemperature", "monitorFanMove"})
@@ -95,7 +108,16 @@ void Controller::loadPreference()
     if (how && !setTitleOnPanel(*how))
         m_settings.reportMalformed(preferences::kTitleOnPanel.key);
     loadGraphWindows();
+    startAlerts();
     m_loaded = true;
+}
+
+void Controller::startAlerts()
+{
+    connect(&m_alerts, &Alerts::changed, &m_monitor,
+            [this] { m_monitor.setObserveArray(m_alerts.observedEntries()); });
+    connect(&m_monitor, &TopMonitor::hardwareEvent, &m_alertWatch, &AlertWatch::hardwareEvent);
+    m_alerts.load();
 }
 
 void Controller::loadTitleTypes()
@@ -178,6 +200,16 @@ void Controller::save()
     m_settings.synchronize();
 }
 
+void Controller::watchAlerts()
+{
+    using namespace std::chrono;
+    const QVariantMap &sample = m_monitor.topDict();
+    m_culprits.add(sample, QDateTime::currentMSecsSinceEpoch());
+    // Durations go by a clock that nobody sets.
+    const auto now = duration_cast<milliseconds>(steady_clock::now().time_since_epoch());
+    m_alertWatch.sampleTaken(sample, now.count());
+}
+
 void Controller::update()
 {
     m_listedAt = m_processes != nullptr ? m_processes->now() : 0;
@@ -186,6 +218,7 @@ void Controller::update()
         m_statusItem.setMenuDelegate(this);
     if (m_graphWindows != nullptr)
         m_graphWindows->feed();
+    watchAlerts();
     Q_EMIT sampleShown();
 }
 

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "controller/AlertWatch.h"
+#include "controller/Alerts.h"
 #include "controller/ProcessActions.h"
 #include "controller/Titles.h"
+#include "engine/CulpritHistory.h"
 #include "menu/MainMenu.h"
 #include "statusitem/StatusItem.h"
 
@@ -63,6 +66,9 @@ public:
     /// Null where there are no graph windows.
     GraphWindows *graphWindows() { return m_graphWindows; }
     const Titles &titles() const { return m_titles; }
+    Alerts &alerts() { return m_alerts; }
+    AlertWatch &alertWatch() { return m_alertWatch; }
+    const CulpritHistory &culprits() const { return m_culprits; }
 
     bool showIcon() const { return m_showIcon; }
     qint64 networkMax() const { return m_networkMax; }
@@ -106,6 +112,8 @@ private:
     void loadToggleTitleOptionArray();
     void loadItemWidth();
     void loadGraphWindows();
+    void startAlerts();
+    void watchAlerts();
     void saveGraphWindows();
     void setRefreshSec(int seconds);
     void runNettop(bool on);
@@ -154,6 +162,9 @@ private:
     std::function<void()> m_showDetailWindow;
     Titles m_titles;
     ProcessActions m_processActions;
+    CulpritHistory m_culprits;
+    Alerts m_alerts;
+    AlertWatch m_alertWatch;
     TitleOnPanel m_titleOnPanel = TitleOnPanel::Automatic;
     bool m_showIcon = false;
     qint64 m_networkMax = 0;

@@ -1,7 +1,9 @@
 #include "controller/Scripting.h"
 
+#include "controller/AlertListText.h"
 #include "controller/BusValues.h"
 #include "controller/Controller.h"
+#include "controller/CulpritScripting.h"
 #include "controller/DBusInterfaces.h"
 #include "controller/GraphScripting.h"
 #include "controller/TitleTexts.h"
@@ -222,13 +224,16 @@ void Scripting::addControlProperties()
     m_object.addProperty(
         {kControl, QStringLiteral("observeArray"),
          [&controller]() -> BusResult {
-             return QVariant::fromValue(busvalues::toSenders(controller.monitor().observeArray()));
+             return QVariant::fromValue(busvalues::toSenders(controller.alerts().observeArray()));
          },
          [&controller](const QVariant &value) -> std::optional<BusError> {
              const std::optional<QVariantList> entries = busvalues::toDictionaries(value);
              if (!entries)
                  return invalidArgs(QStringLiteral("The value must be an array of dictionaries"));
-             controller.monitor().setObserveArray(*entries);
+             if (!controller.alerts().setObserveArray(*entries))
+                 return BusError{
+                     QStringLiteral("org.freedesktop.DBus.Error.LimitsExceeded"),
+                     QStringLiteral("There can be %1 entries at most").arg(alertlist::kMostAlerts)};
              return std::nullopt;
          }});
 }
@@ -253,6 +258,7 @@ void Scripting::addControlMethods()
                                 return noValue(QStringLiteral("netInformationDictionary"));
                             return QVariant(busvalues::fromDictionary(*newest));
                         }});
+    m_object.addMethod(culpritsMethod(kControl, controller.culprits()));
     // Both are answered first: the one may wait for the user, the other ends the bus connection.
     m_object.addMethod({kControl, QStringLiteral("openMenu"), QString(),
                         [&controller](const QVariantList &) -> BusResult {

@@ -47,6 +47,8 @@ inline constexpr OptionalPreference<float> kItemWidth{"itemWidth"};
 inline constexpr OptionalPreference<QVector<int>> kStripPlace{"stripPlace"};
 /// The keys of the open graph windows, in the order in which they were opened.
 inline constexpr OptionalPreference<QStringList> kGraphWindowKeys{"graphWindowKeys"};
+/// The text of a JSON array: the alerts. Written when they change.
+inline constexpr OptionalPreference<QString> kObserveArray{"observeArray"};
 } // namespace preferences
 
 /// The user's settings, typed. A value that is not of its preference's type counts as absent and

@@ -101,12 +101,14 @@ private:
     QStringList m_items;
 };
 
-/// Whether a person wrote a JSON object plainly: its first quote is not escaped, as QSettings' own
-/// would be, and stands inside the braces.
-bool isPlainObject(const QString &text)
+/// Whether a person wrote a JSON object or array plainly: its first quote is not escaped, as
+/// QSettings' own would be, and stands inside the brackets.
+bool isPlainJson(const QString &text)
 {
     const qsizetype quote = text.indexOf(u'"');
-    return quote > 0 && text.startsWith(u'{') && text.endsWith(u'}') && text[quote - 1] != u'\\';
+    const bool isBracketed = (text.startsWith(u'{') && text.endsWith(u'}')) ||
+                             (text.startsWith(u'[') && text.endsWith(u']'));
+    return quote > 0 && isBracketed && text[quote - 1] != u'\\';
 }
 
 /// An escape with as many digits as it can have, so that no following letter is taken for one.
@@ -156,8 +158,8 @@ std::optional<QString> listText(const QVariantList &list)
     }
     if (texts.isEmpty())
         return std::nullopt;
-    // A list that began with a plain brace could read as an object.
-    if (texts.front().startsWith(u'{'))
+    // A list that began with a plain bracket could read as JSON.
+    if (texts.front().startsWith(u'{') || texts.front().startsWith(u'['))
         texts.front() = u'"' + texts.front() + u'"';
     return texts.join(QLatin1String(", "));
 }
@@ -166,7 +168,7 @@ std::optional<QString> listText(const QVariantList &list)
 
 QVariant valueFromText(const QString &text)
 {
-    if (isPlainObject(text))
+    if (isPlainJson(text))
         return text;
     const QStringList items = ValueReader(text).read();
     return items.size() == 1 ? QVariant(items.front()) : QVariant(items);

@@ -9,8 +9,8 @@
 namespace pulsebar::settingsformat {
 
 /// Reads the text behind the `=`: quotes, backslash escapes and commas as QSettings writes them,
-/// and an unquoted `;` ends the value, as there: what follows is a remark. A JSON object written
-/// without quotes around it and escapes inside is one text, as it stands.
+/// and an unquoted `;` ends the value, as there: what follows is a remark. A JSON object or
+/// array written without quotes around it and escapes inside is one text, as it stands.
 /// @return a QString, or a QStringList where an unquoted comma stands
 QVariant valueFromText(const QString &text);
 
