@@ -162,7 +162,7 @@ QString countText(int count, const QString &one, const QString &many)
 
 QString conditionText(const AlertRule &rule, bool fahrenheit)
 {
-    const QString what = alertSubjectText(rule);
+    QString what = alertSubjectText(rule);
     if (rule.watchesCable())
         return what;
     const QString limit = alertThresholdText(rule, fahrenheit);
@@ -346,7 +346,7 @@ QString alertDurationText(int seconds)
 
 QString alertRuleText(const AlertRule &rule, bool fahrenheit)
 {
-    const QString condition = conditionText(rule, fahrenheit);
+    QString condition = conditionText(rule, fahrenheit);
     if (rule.duration == 0)
         return condition;
     return localizedFormat(QStringLiteral("%@ for %@"), condition,

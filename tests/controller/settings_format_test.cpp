@@ -53,6 +53,17 @@ TEST(SettingsFormat, UnquotedSemicolonBeginsARemark)
     EXPECT_EQ(parsed("\"a;b\""), s("a;b"));
 }
 
+TEST(SettingsFormat, PlainJsonArrayIsOneText)
+{
+    const char *array = R"([{"type": 10, "note": "a;b\\c"}, {"type": 18}])";
+    EXPECT_EQ(parsed(array), s(array));
+    EXPECT_EQ(parsed(R"("[{\"type\":10},{\"type\":18}]")"), s(R"([{"type":10},{"type":18}])"));
+    EXPECT_EQ(parsed("[]"), s("[]"));
+    // A list of words is one, whatever they begin and end with.
+    const QStringList words{s("[ow"), s("in \"b\""), s("1]")};
+    EXPECT_EQ(roundTrip(words), words);
+}
+
 TEST(SettingsFormat, PlainJsonObjectIsOneText)
 {
     const char *object = R"({"alpha": 0.5, "color": "#80FF0000", "list": [1, 2], "a\\b": ";"})";

@@ -131,6 +131,26 @@ TEST_F(SampleAssemblyTest, ACpuEventFiresWhenTheMinuteAverageCrosses)
     EXPECT_EQ(m_fired[0], m_settings.observeArray[0]);
 }
 
+TEST_F(SampleAssemblyTest, WithoutCoresNoCpuEventIsCheckedAndNothingForgotten)
+{
+    const QVariantMap falling{{QStringLiteral("type"), 10},
+                              {QStringLiteral("observeType"), 1},
+                              {QStringLiteral("threshold"), 46}};
+    m_settings.observeArray = {falling};
+    load({0});
+    sample();
+    load({90});
+    sample();
+    m_cores.answer.reset();
+    m_previous.clear(); // so that there is no load to be copied
+    sample();
+    EXPECT_TRUE(m_fired.isEmpty());
+    load({0});
+    sample();
+    // The mean of 0.9 and 0, which crosses only because 0.9 is remembered.
+    EXPECT_EQ(m_fired, QVariantList{falling});
+}
+
 TEST_F(SampleAssemblyTest, AnIntervalWithoutTicksPassesThrough)
 {
     load({10});
