@@ -1,6 +1,7 @@
 #include "Commands.h"
 
 #include "BusClient.h"
+#include "Culprits.h"
 #include "ExitStatus.h"
 #include "GraphKeys.h"
 #include "JsonText.h"
@@ -158,6 +159,23 @@ constexpr std::array kCommands{
     Command{QLatin1String("quit"), 0, quitCommand},
 };
 
+int runCulprits(const QStringList &arguments)
+{
+    const std::optional<quint32> seconds = secondsFromArguments(arguments);
+    if (!seconds)
+        return reportUsage(QStringLiteral("culprits takes --since SECONDS"));
+    const BusClient client;
+    if (!client.isRunning()) {
+        reportNotRunning();
+        return kNotRunning;
+    }
+    const Answer answer = client.callControl(QStringLiteral("culprits"), {*seconds});
+    if (answer.failed())
+        return reportError(answer.error);
+    std::fputs(linesOfCulprits(answer.value.toList()).toUtf8().constData(), stdout);
+    return kDone;
+}
+
 /// `--format X`, `--format=X` or nothing; nothing else may stand behind `watch`.
 std::unique_ptr<WatchFormat> formatFromArguments(const QStringList &arguments)
 {
@@ -224,6 +242,8 @@ QString helpText()
         "  title                   the title\n"
         "  watch [--format FORMAT] a line per sample: plain, json, waybar or i3bar\n"
         "  history KEY             the last minute of a series as a JSON array\n"
+        "  culprits [--since SECONDS]\n"
+        "                          a line per sample: time, load, busiest processes\n"
         "  graph show KEY          opens the graph of a series, or raises it\n"
         "  graph close KEY         closes it\n"
         "  graph list              the keys of the open graphs, one a line\n"
@@ -251,6 +271,8 @@ int run(const QStringList &arguments)
     }
     if (name == QLatin1String("watch"))
         return runWatch(rest);
+    if (name == QLatin1String("culprits"))
+        return runCulprits(rest);
     for (const Command &command : kCommands) {
         if (name == command.name)
             return runCommand(command, rest);

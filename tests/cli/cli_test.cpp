@@ -1,5 +1,6 @@
 #include "cli/BusClient.h"
 #include "cli/Commands.h"
+#include "cli/Culprits.h"
 #include "cli/ExitStatus.h"
 #include "cli/GraphKeys.h"
 #include "cli/JsonText.h"
@@ -7,6 +8,7 @@
 #include "cli/WatchFormat.h"
 #include "support/Text.h"
 
+#include <QDateTime>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -194,6 +196,30 @@ TEST(CommandLine, HelpNamesEveryCommand)
     for (const char *command : {"get", "set", "title", "watch", "history", "graph show KEY",
                                 "graph close KEY", "graph list", "menu", "quit"})
         EXPECT_TRUE(helpText().contains(s("\n  ") + s(command))) << command;
+}
+
+TEST(Culprits, HowFarBack)
+{
+    EXPECT_EQ(secondsFromArguments({}), std::numeric_limits<quint32>::max());
+    EXPECT_EQ(secondsFromArguments({s("--since"), s("60")}), 60U);
+    EXPECT_EQ(secondsFromArguments({s("--since=0")}), 0U);
+    for (const QStringList &wrong :
+         {QStringList{s("60")}, QStringList{s("--since")}, QStringList{s("--since="), s("60")},
+          QStringList{s("--since"), s("-1")}, QStringList{s("--since"), s("1.5")},
+          QStringList{s("--since"), s("5000000000")}, QStringList{s("--since=1"), s("x")}})
+        EXPECT_EQ(secondsFromArguments(wrong), std::nullopt) << wrong.join(u' ').toStdString();
+}
+
+TEST(Culprits, ALinePerSample)
+{
+    const qint64 time = QDateTime(QDate(2024, 2, 3), QTime(14, 3, 12, 900)).toMSecsSinceEpoch();
+    const QVariantList busy{time, 0.921,
+                            QVariantList{QVariantList{s("cc1plus"), qint64(12), 1.5},
+                                         QVariantList{s("Web\nContent"), qint64(13), 0.5}}};
+    const QVariantList idle{time + 3000, 0.003, QVariantList()};
+    EXPECT_EQ(linesOfCulprits({QVariant(busy), QVariant(7), QVariant(idle)}),
+              s("14:03:12 92.1%: cc1plus, Web\uFFFDContent\n14:03:15 0.3%\n"));
+    EXPECT_EQ(linesOfCulprits({}), QString());
 }
 
 } // namespace
