@@ -58,7 +58,7 @@ QString Alerts::add(const AlertRule &rule)
         return {};
     QVector<Alert> list = m_list;
     list += Alert{newId(), entry, *read};
-    const QString id = list.constLast().id;
+    QString id = list.constLast().id;
     replace(std::move(list));
     store();
     return id;
