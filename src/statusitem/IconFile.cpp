@@ -30,6 +30,11 @@ QString IconFile::nameFor(const QString &image, bool dark)
     return QIcon::hasThemeIcon(wanted) ? wanted : draw({wanted, dark});
 }
 
+QString IconFile::attentionName(bool dark)
+{
+    return draw({{}, dark, true});
+}
+
 QString IconFile::draw(const Drawn &wanted)
 {
     if (m_drawn == wanted) {
@@ -45,7 +50,8 @@ QString IconFile::draw(const Drawn &wanted)
     }
     m_drawn = wanted;
     m_path = m_folder->filePath(QStringLiteral("%1.png").arg(++m_number));
-    drawIcon(ItemContent{{}, {}, wanted.image}, extent, inkOnPanel(wanted.dark)).save(m_path);
+    const Ink ink = wanted.attention ? attentionInkOnPanel(wanted.dark) : inkOnPanel(wanted.dark);
+    drawIcon(ItemContent{{}, {}, wanted.image}, extent, ink).save(m_path);
     return m_path;
 }
 

@@ -16,12 +16,15 @@ public:
     /// A name that every theme of the desktop can find, else the path of a file that shows the
     /// image. A changed picture has a changed path, for hosts keep what they have read.
     QString nameFor(const QString &image, bool dark);
+    /// The path of a file that shows the program's sign so that it is noticed.
+    QString attentionName(bool dark);
 
 private:
     struct Drawn
     {
         QString image;
         bool dark = false;
+        bool attention = false;
         bool operator==(const Drawn &other) const = default;
     };
 

@@ -16,6 +16,8 @@ struct ItemContent
     double length = 0;
     /// The text leaves room for an image even while there is none, for the next title may have one.
     bool roomForImage = false;
+    /// Something is the matter that the user wants to know.
+    bool attention = false;
 
     bool operator==(const ItemContent &other) const = default;
 };

@@ -111,6 +111,23 @@ Ink inkOnPanel(bool dark)
                 : Ink{QColor(0x20, 0x20, 0x20), QColor(255, 255, 255, 245)};
 }
 
+Ink attentionInkOnPanel(bool dark)
+{
+    // Both stand out from grey, white and black alike, and from each other's panels.
+    return dark ? Ink{QColor(0xff, 0x8a, 0x5c), QColor(0, 0, 0, 190)}
+                : Ink{QColor(0xb3, 0x1b, 0x0b), QColor(255, 255, 255, 245)};
+}
+
+QColor attentionBackground()
+{
+    return {0xb3, 0x1b, 0x0b};
+}
+
+Ink inkOnAttention()
+{
+    return {QColor(Qt::white), {}};
+}
+
 QFont lineFont(int height, double scale)
 {
     QFont font = QGuiApplication::font();

@@ -23,6 +23,14 @@ struct Ink
 /// Ink for a panel of unknown colour in a desktop that is dark or light.
 Ink inkOnPanel(bool dark);
 
+/// The same when the item is to be noticed.
+Ink attentionInkOnPanel(bool dark);
+
+/// What stands behind the title, and its ink, where the item has a background of its own and is to
+/// be noticed.
+QColor attentionBackground();
+Ink inkOnAttention();
+
 /// The font for one line in a bar of `height` device pixels, on a screen whose texts are `scale`
 /// times as large as usual. Never larger than the desktop's own.
 QFont lineFont(int height, double scale);

@@ -175,6 +175,9 @@ bool MenuExporter::handleEvent(int id, const QString &eventId)
         qCDebug(log) << "event" << eventId << "for a row that is gone:" << id;
         return false;
     }
+    if (eventId == u"clicked" || eventId == u"opened") {
+        Q_EMIT menuOpened();
+    }
     if (eventId == u"clicked") {
         click(id);
     } else if (id == 0 && (eventId == u"opened" || eventId == u"closed")) {
@@ -243,6 +246,8 @@ QList<int> MenuExporter::AboutToShowGroup(const QList<int> &ids, QList<int> &idE
     if (!ids.contains(0)) {
         return {};
     }
+    // Whoever asks in a group need not tell of the opening; nobody asks so without one.
+    Q_EMIT menuOpened();
     m_builds.add(m_source.build());
     if (!openElsewhere()) {
         announceLayout();

@@ -66,6 +66,9 @@ Q_SIGNALS:
     void ItemsPropertiesUpdated(const pulsebar::MenuItemPropertiesList &updated,
                                 const pulsebar::MenuItemKeysList &removed);
     void ItemActivationRequested(int id, uint timestamp);
+    /// Not of the protocol: the user has the menu before him. Said anew at a click, for not every
+    /// panel tells of openings.
+    void menuOpened();
 
 private:
     bool handleEvent(int id, const QString &eventId);

@@ -179,6 +179,7 @@ void MenuPopup::openAt(QPoint place)
 {
     if (build()) {
         m_menu->popup(place);
+        Q_EMIT opened();
     }
 }
 
@@ -191,6 +192,7 @@ void MenuPopup::openBeside(const QRect &item)
     const bool above = screen && item.center().y() > screen->geometry().center().y();
     const int top = above ? item.top() - m_menu->sizeHint().height() : item.bottom() + 1;
     m_menu->popup({item.left(), top});
+    Q_EMIT opened();
 }
 
 } // namespace pulsebar

@@ -35,6 +35,9 @@ public:
     /// Below the item, or above it in the lower half of the screen.
     void openBeside(const QRect &item);
 
+Q_SIGNALS:
+    void opened();
+
 private:
     bool build();
 

@@ -31,7 +31,11 @@ QImage drawWide(const PixmapContent &content, int height, const Ink &ink)
 PixmapContent pixmapContentOf(const ItemContent &content, PixmapStyle style, bool dark)
 {
     PixmapContent result{style, {}, dark};
-    result.drawn.image = content.image;
+    // A program's icon has colours of its own; the sign alone can be drawn so that it is noticed.
+    if (!content.attention || style != PixmapStyle::Icon) {
+        result.drawn.image = content.image;
+    }
+    result.drawn.attention = content.attention;
     if (style == PixmapStyle::ShortText) {
         result.drawn.title = shortTitle(content.title);
     } else if (style == PixmapStyle::WideText || style == PixmapStyle::WideOnly) {
@@ -42,7 +46,8 @@ PixmapContent pixmapContentOf(const ItemContent &content, PixmapStyle style, boo
 
 ItemPixmapList renderPixmaps(const PixmapContent &content)
 {
-    const Ink ink = inkOnPanel(content.dark);
+    const Ink ink =
+        content.drawn.attention ? attentionInkOnPanel(content.dark) : inkOnPanel(content.dark);
     ItemPixmapList pixmaps;
     if (content.style == PixmapStyle::WideOnly) {
         for (const int height : panelHeights) {

@@ -35,7 +35,7 @@ bool hasDarkPanel(HostKind host)
 class PanelStatusItem::Private : public QObject
 {
 public:
-    explicit Private(PanelSurroundings given);
+    Private(PanelStatusItem &item, PanelSurroundings given);
 
     void changeLater();
     void setMenuDelegate(MenuDelegate *delegate);
@@ -69,7 +69,7 @@ private:
     bool m_servedByNobody = false;
 };
 
-PanelStatusItem::Private::Private(PanelSurroundings given)
+PanelStatusItem::Private::Private(PanelStatusItem &item, PanelSurroundings given)
     : m_around(std::move(given))
     , m_notifier(source, m_around.processNames)
     , m_tray(m_around.trayDock)
@@ -85,6 +85,8 @@ PanelStatusItem::Private::Private(PanelSurroundings given)
     connect(&m_notifier, &StatusNotifierFace::hostChanged, this, &Private::changeLater);
     connect(&m_notifier, &StatusNotifierFace::menuRequested, this,
             [this] { m_popup.openAt(QCursor::pos()); });
+    connect(&m_notifier, &StatusNotifierFace::menuOpened, &item, &StatusItem::menuOpened);
+    connect(&m_popup, &MenuPopup::opened, &item, &StatusItem::menuOpened);
     connect(&m_tray, &TrayFace::trayChanged, this, &Private::changeLater);
     connect(&m_tray, &TrayFace::dockedChanged, this, &Private::changeLater);
     connect(&m_tray, &TrayFace::clicked, this, [this] { m_popup.openBeside(m_tray.geometry()); });
@@ -180,11 +182,13 @@ void PanelStatusItem::Private::showNotifier(const Faces &faces)
         state.labelGuide = content.guide.isEmpty() ? content.title : content.guide;
     }
     if (faces.iconByName) {
-        state.iconName = m_iconFile.nameFor(content.image, dark);
+        state.iconName = content.attention ? m_iconFile.attentionName(dark)
+                                           : m_iconFile.nameFor(content.image, dark);
     }
     ItemContent pictured = content;
     pictured.roomForImage = m_pictured;
     state.pixmaps = pixmapContentOf(pictured, faces.pixmaps, dark);
+    state.attention = content.attention;
     state.passive = faces.tray && m_tray.showsWholeTitle();
     m_notifier.setState(state);
     // Without a watcher the item stays on the bus for scripts and for a watcher to come.
@@ -220,7 +224,7 @@ void PanelStatusItem::Private::openMenu()
 
 PanelStatusItem::PanelStatusItem(PanelSurroundings surroundings, QObject *parent)
     : StatusItem(parent)
-    , d(std::make_unique<Private>(std::move(surroundings)))
+    , d(std::make_unique<Private>(*this, std::move(surroundings)))
 {
 }
 
@@ -286,6 +290,14 @@ void PanelStatusItem::setTitleOnPanel(TitleOnPanel how)
 {
     if (d->how != how) {
         d->how = how;
+        d->changeLater();
+    }
+}
+
+void PanelStatusItem::setNeedsAttention(bool needed)
+{
+    if (d->content.attention != needed) {
+        d->content.attention = needed;
         d->changeLater();
     }
 }

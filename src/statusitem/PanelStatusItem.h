@@ -65,6 +65,7 @@ public:
     double length() const override;
     void setLength(double length) override;
     void setTitleOnPanel(TitleOnPanel how) override;
+    void setNeedsAttention(bool needed) override;
     void setMenuDelegate(MenuDelegate *delegate) override;
     bool hasMenu() const override;
     void openMenu() override;

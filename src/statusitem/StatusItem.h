@@ -33,6 +33,8 @@ public:
     virtual double length() const = 0;
     virtual void setLength(double length) = 0;
     virtual void setTitleOnPanel(TitleOnPanel how) = 0;
+    /// Draws the user's eye to the item, until it is taken back.
+    virtual void setNeedsAttention(bool needed) = 0;
     /// The delegate must outlive the item.
     virtual void setMenuDelegate(MenuDelegate *delegate) = 0;
     virtual bool hasMenu() const = 0;
@@ -42,6 +44,8 @@ public:
 Q_SIGNALS:
     void titleChanged(const QString &title);
     void lengthChanged(double length);
+    /// The user has opened the menu, whoever draws it.
+    void menuOpened();
 };
 
 } // namespace pulsebar

@@ -78,6 +78,7 @@ StatusNotifierFace::StatusNotifierFace(const MenuSource &source, ProcessNames *n
     m_exporter.setIconProperties(
         [this](const QString &image) { return m_icons.properties(image); });
     m_exporter.setKeyboard(heldModifiers);
+    connect(&m_exporter, &MenuExporter::menuOpened, this, &StatusNotifierFace::menuOpened);
     m_item.setClickHandler([this](const QDBusMessage &call) { answerClick(call); });
     connectToBus();
 }

@@ -43,6 +43,8 @@ Q_SIGNALS:
     void hostChanged();
     /// A panel asks the item itself for a menu.
     void menuRequested();
+    /// A panel shows the exported menu.
+    void menuOpened();
 
 private Q_SLOTS:
     void busLost();

@@ -38,7 +38,10 @@ constexpr std::array propertyNames{
 
 QString statusOf(const NotifierState &state)
 {
-    return state.passive ? QStringLiteral("Passive") : QStringLiteral("Active");
+    if (state.passive) {
+        return QStringLiteral("Passive");
+    }
+    return state.attention ? QStringLiteral("NeedsAttention") : QStringLiteral("Active");
 }
 
 /// What stays the same as long as the item lives; invalid for other names.
@@ -62,11 +65,10 @@ QVariant constantProperty(const QString &name)
     if (name == u"XAyatanaOrderingIndex") {
         return 0U;
     }
-    if (name == u"OverlayIconPixmap" || name == u"AttentionIconPixmap") {
+    if (name == u"OverlayIconPixmap") {
         return QVariant::fromValue(ItemPixmapList());
     }
-    if (name == u"IconThemePath" || name == u"OverlayIconName" || name == u"AttentionIconName" ||
-        name == u"AttentionMovieName") {
+    if (name == u"IconThemePath" || name == u"OverlayIconName" || name == u"AttentionMovieName") {
         return QString();
     }
     return {};
@@ -108,12 +110,15 @@ void StatusNotifierItem::setState(const NotifierState &state)
     }
     if (before.iconName != state.iconName || before.pixmaps != state.pixmaps) {
         send(QStringLiteral("NewIcon"));
+        if (before.attention || state.attention) {
+            send(QStringLiteral("NewAttentionIcon"));
+        }
     }
     if (before.label != state.label || before.labelGuide != state.labelGuide) {
         send(QStringLiteral("XAyatanaNewLabel"),
              {state.label.value_or(QString()), state.label ? state.labelGuide : QString()});
     }
-    if (before.passive != state.passive) {
+    if (statusOf(before) != statusOf(state)) {
         send(QStringLiteral("NewStatus"), {statusOf(state)});
     }
 }
@@ -150,6 +155,15 @@ QVariant StatusNotifierItem::property(const QString &name) const
     }
     if (name == u"IconPixmap") {
         return QVariant::fromValue(m_state.iconName.isEmpty() ? pixmaps() : ItemPixmapList());
+    }
+    // Panels that know of no attention draw the usual icon, so that is the one to be noticed; those
+    // that do get the same.
+    if (name == u"AttentionIconName") {
+        return m_state.attention ? m_state.iconName : QString();
+    }
+    if (name == u"AttentionIconPixmap") {
+        return QVariant::fromValue(
+            m_state.attention && m_state.iconName.isEmpty() ? pixmaps() : ItemPixmapList());
     }
     if (name == u"ToolTip") {
         return QVariant::fromValue(ItemToolTip{{}, {}, m_state.title, {}});

@@ -22,6 +22,8 @@ struct NotifierState
     /// Empty where the pixmaps are to be drawn.
     QString iconName;
     PixmapContent pixmaps;
+    /// The icon is to be noticed, and drawn so.
+    bool attention = false;
     /// "Passive" steps back for another face.
     bool passive = false;
 };

@@ -141,13 +141,15 @@ void StripFace::paintEvent(QPaintEvent * /*event*/)
         m_hints->keepOnAllWorkspaces(quintptr(winId()));
     }
     const double scale = devicePixelRatioF();
-    QImage line = drawLine(m_content, (QSizeF(size()) * scale).toSize(), scale,
-                           Ink{palette().color(QPalette::WindowText), {}});
+    const Ink ink =
+        m_content.attention ? inkOnAttention() : Ink{palette().color(QPalette::WindowText), {}};
+    QImage line = drawLine(m_content, (QSizeF(size()) * scale).toSize(), scale, ink);
     line.setDevicePixelRatio(scale);
     QPainter painter(this);
     // Areas, not lines: a line's pixels fall unevenly at a scale factor.
     painter.fillRect(rect(), palette().mid());
-    painter.fillRect(rect().adjusted(1, 1, -1, -1), palette().window());
+    painter.fillRect(rect().adjusted(1, 1, -1, -1),
+                     m_content.attention ? QBrush(attentionBackground()) : palette().window());
     painter.drawImage(QPoint(0, 0), line);
 }
 

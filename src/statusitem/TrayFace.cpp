@@ -95,14 +95,20 @@ void TrayFace::askForRoom()
 
 Ink TrayFace::ink() const
 {
+    const bool attention = m_content->attention;
     const auto said = m_dock->foreground();
+    if (said && attention) {
+        // Light texts stand on a dark panel.
+        return attentionInkOnPanel(qGray(QRgb(*said)) >= 128);
+    }
     if (said) {
         return {QColor(QRgb(*said)), {}};
     }
     // Panels of small window managers have colours of their own, whatever the desktop's windows
     // are.
     const auto behind = m_dock->background();
-    return inkOnPanel(behind ? qGray(QRgb(*behind)) < 128 : m_dark);
+    const bool dark = behind ? qGray(QRgb(*behind)) < 128 : m_dark;
+    return attention ? attentionInkOnPanel(dark) : inkOnPanel(dark);
 }
 
 void TrayFace::draw()

@@ -20,6 +20,7 @@ public:
     double length() const override { return m_length; }
     void setLength(double length) override { m_length = length; }
     void setTitleOnPanel(TitleOnPanel way) override { how = way; }
+    void setNeedsAttention(bool needed) override { needsAttention = needed; }
     void setMenuDelegate(MenuDelegate *menuDelegate) override { delegate = menuDelegate; }
     bool hasMenu() const override { return delegate != nullptr; }
     void openMenu() override { ++menusOpened; }
@@ -27,6 +28,7 @@ public:
     QString guide;
     TitleOnPanel how = TitleOnPanel::Automatic;
     MenuDelegate *delegate = nullptr;
+    bool needsAttention = false;
     int menusOpened = 0;
 
 private:

@@ -4,6 +4,7 @@
 #include <QDBusPendingCallWatcher>
 #include <QDeadlineTimer>
 #include <QEventLoop>
+#include <QFile>
 #include <QUuid>
 
 #include <stdexcept>
@@ -13,6 +14,22 @@ namespace pulsebar::testing {
 namespace {
 constexpr int patience = 5000;
 PrivateBus *theBus = nullptr;
+
+/// A bus that starts no services: what this machine has installed is nothing to a test.
+constexpr const char *busConfiguration =
+    R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>%1</listen>
+  <auth>EXTERNAL</auth>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+)";
 } // namespace
 
 bool waitFor(const std::function<bool()> &condition)
@@ -65,10 +82,16 @@ QString PrivateBus::address() const
 
 void PrivateBus::start()
 {
+    QFile configuration(m_folder.filePath(QStringLiteral("bus.conf")));
+    if (!configuration.open(QIODevice::WriteOnly)) {
+        throw std::runtime_error("the bus cannot be configured");
+    }
+    configuration.write(QString::fromLatin1(busConfiguration).arg(address()).toUtf8());
+    configuration.close();
     m_daemon.start(QStringLiteral("dbus-daemon"),
-                   {QStringLiteral("--session"), QStringLiteral("--nofork"),
-                    QStringLiteral("--nopidfile"), QStringLiteral("--print-address"),
-                    QStringLiteral("--address=") + address()});
+                   {QStringLiteral("--config-file=") + configuration.fileName(),
+                    QStringLiteral("--nofork"), QStringLiteral("--nopidfile"),
+                    QStringLiteral("--print-address")});
     // The address is printed once the bus listens.
     if (!m_daemon.waitForReadyRead(patience)) {
         throw std::runtime_error("no bus: " + m_daemon.readAllStandardError().toStdString());
