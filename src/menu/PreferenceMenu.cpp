@@ -172,6 +172,7 @@ MenuItem makePreferenceOptionsMenu(const PreferenceMenuState &state)
                               QStringLiteral("showManual"));
     submenu->addItem(MenuItem::separatorItem());
     submenu->addItem(makeTitleOnPanelMenu(state.titleOnPanel));
+    submenu->addItem(makeAlertsMenu(state.alerts));
     return submenuItem(localizedString(key), std::move(submenu));
 }
 

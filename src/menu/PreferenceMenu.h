@@ -1,5 +1,6 @@
 #pragma once
 
+#include "menu/AlertMenu.h"
 #include "menu/Menu.h"
 #include "menu/TitleMenu.h"
 
@@ -21,6 +22,7 @@ struct PreferenceMenuState
     bool autoLaunch = false;
     double itemWidth = 0.0; ///< the status item's length, in points
     QString titleOnPanel;   ///< "automatic", "text", "icon" or "strip"
+    AlertMenuState alerts;
 };
 
 /// The "Preference" item with its submenu.

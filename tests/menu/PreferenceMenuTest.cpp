@@ -83,7 +83,7 @@ TEST(PreferenceMenu, StandsInItsOrder)
                 ElementsAre("Check Memory", "Sort by Memory", "Top Title", "Refresh Time",
                             "Max of List", "Max of Network", "Show Icon", "In Fahrenheit",
                             "Auto Launch When Mac Starts up", "-", "Show Icon", "-", "Show Manual",
-                            "-", "Title on Panel"));
+                            "-", "Title on Panel", "Alerts"));
 }
 
 TEST(PreferenceMenu, RefreshTimes)
