@@ -22,6 +22,7 @@
 #include "sensors/SmcLink.h"
 #include "sensors/Temperatures.h"
 #include "statusitem/PanelStatusItem.h"
+#include "views/AlertPanels.h"
 #include "views/DetailWindow.h"
 #include "views/MenuViews.h"
 #include "views/QuestionBoxes.h"
@@ -119,6 +120,11 @@ private:
         parts.processes = m_platform->processes.get();
         parts.showDetailWindow = [this] { m_detailWindow.show(); };
         parts.processActions = processActions();
+        parts.notifications = m_desktop.notifications.get();
+        parts.editAlert = [this](const AlertEdit &edit,
+                                 std::function<void(const AlertRule &)> accepted) {
+            m_alertPanels.edit(edit, std::move(accepted));
+        };
         parts.loginItems = m_platform->loginItems.get();
         parts.application = &m_application;
         parts.applicationPath = [] {
@@ -185,6 +191,7 @@ private:
     NettopMonitor m_networkMonitor;
     DetailWindow m_detailWindow;
     QuestionBoxes m_questions;
+    AlertPanels m_alertPanels;
     ApplicationUtility m_application;
     Controller m_controller;
     Scripting m_scripting;

@@ -69,6 +69,8 @@ Controller::Controller(const ControllerParts &parts)
     , m_processActions(parts.monitor, parts.processActions)
     , m_alerts(parts.settings)
     , m_alertWatch(m_alerts, m_culprits, processRecordOf(parts.monitor))
+    , m_alertActions(parts.monitor, m_alerts, parts.editAlert)
+    , m_alertTeller(parts.statusItem, alertTellerParts(parts.notifications))
 {
     m_titles.setWidthListener(
         [this] { Q_EMIT itemWidthChanged(static_cast<double>(m_titles.itemWidth())); });
@@ -117,6 +119,8 @@ void Controller::startAlerts()
     connect(&m_alerts, &Alerts::changed, &m_monitor,
             [this] { m_monitor.setObserveArray(m_alerts.observedEntries()); });
     connect(&m_monitor, &TopMonitor::hardwareEvent, &m_alertWatch, &AlertWatch::hardwareEvent);
+    connect(&m_alertWatch, &AlertWatch::alarmTold, &m_alertTeller, &AlertTeller::tell);
+    connect(&m_alertWatch, &AlertWatch::alarmEnded, &m_alertTeller, &AlertTeller::end);
     m_alerts.load();
 }
 

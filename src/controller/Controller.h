@@ -1,5 +1,7 @@
 #pragma once
 
+#include "controller/AlertActions.h"
+#include "controller/AlertTeller.h"
 #include "controller/AlertWatch.h"
 #include "controller/Alerts.h"
 #include "controller/ProcessActions.h"
@@ -41,6 +43,8 @@ struct ControllerParts
     /// Opens the window with the newest raw report; may be empty.
     std::function<void()> showDetailWindow = {};
     ProcessActionParts processActions = {};
+    Notifications *notifications = nullptr; ///< null: the item alone tells of alerts
+    EditAlert editAlert = {};               ///< empty: alerts cannot be edited
 };
 
 /// Ties the monitor, the status item and the settings together: starts them in order, shows every
@@ -146,7 +150,13 @@ private:
     void killProcessAsRoot(const Choice &choice);
     void terminate(const Choice &choice);
 
-    void showGraphViewForKey(const QString &key);
+    void switchAlert(const Choice &choice);
+    void addAlert(const Choice &choice);
+    void editAlert(const Choice &choice);
+    void removeAlert(const Choice &choice);
+
+    AlertTellerParts alertTellerParts(Notifications *notifications);
+    bool showGraphViewForKey(const QString &key);
 
     TopMonitor &m_monitor;
     StatusItem &m_statusItem;
@@ -165,6 +175,8 @@ private:
     CulpritHistory m_culprits;
     Alerts m_alerts;
     AlertWatch m_alertWatch;
+    AlertActions m_alertActions;
+    AlertTeller m_alertTeller;
     TitleOnPanel m_titleOnPanel = TitleOnPanel::Automatic;
     bool m_showIcon = false;
     qint64 m_networkMax = 0;

@@ -38,6 +38,7 @@ PreferenceMenuState Controller::preferenceMenuState() const
     state.autoLaunch = autoLaunch();
     state.itemWidth = static_cast<double>(m_titles.itemWidth());
     state.titleOnPanel = titleOnPanel();
+    state.alerts = m_alertActions.menuState();
     return state;
 }
 
@@ -92,6 +93,10 @@ Controller::Action Controller::actionNamed(const QString &name)
         {QStringLiteral("setItemWidth"), &Controller::setItemWidth},
         {QStringLiteral("showManual"), &Controller::showManual},
         {QStringLiteral("changeTitleOnPanel"), &Controller::changeTitleOnPanel},
+        {QStringLiteral("switchAlert"), &Controller::switchAlert},
+        {QStringLiteral("addAlert"), &Controller::addAlert},
+        {QStringLiteral("editAlert"), &Controller::editAlert},
+        {QStringLiteral("removeAlert"), &Controller::removeAlert},
         {QStringLiteral("showGraphView"), &Controller::showGraphView},
         {QStringLiteral("switchGraphWindow"), &Controller::switchGraphWindow},
         {QStringLiteral("dummy"), &Controller::dummy},
@@ -134,10 +139,9 @@ void Controller::dummy(const Choice &choice)
         showGraphViewForKey(QStringLiteral("CPU") + *number);
 }
 
-void Controller::showGraphViewForKey(const QString &key)
+bool Controller::showGraphViewForKey(const QString &key)
 {
-    if (m_graphWindows != nullptr)
-        m_graphWindows->showGraphViewForKey(key);
+    return m_graphWindows != nullptr && m_graphWindows->showGraphViewForKey(key);
 }
 
 void Controller::showDetailWindow(const Choice & /*choice*/)

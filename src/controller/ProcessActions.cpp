@@ -177,13 +177,25 @@ void ProcessActions::quitProcess(const Menu &menu, const MenuItem &item,
     const bool again = modifiers.testFlag(Qt::AltModifier);
     const QStringList programs =
         again && services.table ? services.table->programs(process) : QStringList();
+    askToQuit(process);
+    if (again)
+        relaunchLater(programs, path);
+}
+
+void ProcessActions::quitProcess(const std::shared_ptr<HeldProcess> &process)
+{
+    if (process && mayBeSignalled(QString::number(process->pid()), process.get()))
+        askToQuit(*process);
+}
+
+void ProcessActions::askToQuit(HeldProcess &process) const
+{
+    const ProcessServices &services = m_parts.services;
     // None of this program's own windows ends it when it is closed.
     const bool hasWindows = services.windows && process.pid() != QCoreApplication::applicationPid();
     const bool asked = hasWindows && services.windows->askToClose(process.pid());
     if (!asked && !process.askToEnd())
         qCWarning(logActions) << "process" << process.pid() << "cannot be asked to end";
-    if (again)
-        relaunchLater(programs, path);
 }
 
 void ProcessActions::relaunchLater(const QStringList &programs, const QString &path)

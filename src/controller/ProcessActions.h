@@ -46,6 +46,8 @@ public:
     /// Asks the application to close its windows, or a program without windows to end; with the Alt
     /// key it is started again after 1.5 seconds.
     void quitProcess(const Menu &menu, const MenuItem &item, Qt::KeyboardModifiers modifiers);
+    /// The same for a process that was chosen elsewhere than in its row.
+    void quitProcess(const std::shared_ptr<HeldProcess> &process);
     /// Asks first, and then ends the process for good.
     void killProcess(const Menu &menu, const MenuItem &item);
     void killProcessAsRoot(const Menu &menu, const MenuItem &item);
@@ -58,6 +60,7 @@ public:
     static QString processNumberStringForMenuItem(const Menu &submenu);
 
 private:
+    void askToQuit(HeldProcess &process) const;
     void openFile(const QString &path) const;
     QString fileOf(const QString &path, const MenuItem &item) const;
     void relaunchLater(const QStringList &programs, const QString &path);

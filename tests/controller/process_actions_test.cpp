@@ -246,6 +246,21 @@ TEST_F(ProcessActionsTest, QuittingClosesWindowsOrElseAsksTheProcessToEnd)
     EXPECT_EQ(m_windows.closed.size(), 1);
 }
 
+TEST_F(ProcessActionsTest, AHeldProcessIsQuitWithoutItsRow)
+{
+    actions().quitProcess(m_safari);
+    EXPECT_EQ(m_safari->askedToEnd, 1);
+    m_windows.pids = {412};
+    actions().quitProcess(m_safari);
+    EXPECT_EQ(m_windows.closed, QVector<qint64>{412});
+    EXPECT_EQ(m_safari->askedToEnd, 1);
+    m_safari->running = false;
+    actions().quitProcess(m_safari);
+    actions().quitProcess(nullptr);
+    EXPECT_EQ(m_windows.closed.size(), 1);
+    EXPECT_EQ(m_safari->askedToEnd, 1);
+}
+
 TEST_F(ProcessActionsTest, QuittingThisProgramAsksItToEndAndClosesNoneOfItsWindows)
 {
     const QByteArray number = QByteArray::number(QCoreApplication::applicationPid());
