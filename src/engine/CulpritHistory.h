@@ -41,7 +41,7 @@ private:
 ///
 /// At most 600 samples are kept (ten minutes at one per second), each about 150 bytes and at most
 /// three names. A process that stays among the busiest shares its name with the sample before. That
-/// is some 40 KB with a sample every 3 seconds, and never more than 400 KB.
+/// is some 30 KB with a sample every 3 seconds and the same processes, and never more than 400 KB.
 class CulpritHistory
 {
 public:
