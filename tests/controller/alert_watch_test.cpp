@@ -96,9 +96,9 @@ TEST_F(AlertWatchTest, WithoutADurationItIsToldWithTheSampleOfTheEvent)
     cpu(0.5, 3);
     EXPECT_EQ(heard(), told(id));
     EXPECT_TRUE(watch.isAlarming());
-    EXPECT_EQ(alarms[0].heldFor, 0);
-    EXPECT_EQ(alarms[0].value, 50.0);
-    EXPECT_EQ(alarms[0].entry, alerts.find(id)->entry);
+    EXPECT_EQ(alarms.value(0).heldFor, 0);
+    EXPECT_EQ(alarms.value(0).value, 50.0);
+    EXPECT_EQ(alarms.value(0).entry, alerts.find(id)->entry);
     cpu(0.9, 6);
     EXPECT_EQ(heard(), nothing);
     cpu(0.4, 9);
@@ -121,7 +121,7 @@ TEST_F(AlertWatchTest, TheConditionMustHoldOnEverySampleOfTheDuration)
     EXPECT_EQ(heard(), nothing); // 19 seconds since it began anew
     cpu(0.95, 47);
     EXPECT_EQ(heard(), told(id));
-    EXPECT_EQ(alarms[0].heldFor, 20'000);
+    EXPECT_EQ(alarms.value(0).heldFor, 20'000);
 }
 
 TEST_F(AlertWatchTest, ItIsToldOnceUntilItHasEnded)
@@ -242,7 +242,7 @@ TEST_F(AlertWatchTest, AListenerMayChangeTheList)
     cpu(0.6, 3);
     // What is gone is not told any more.
     EXPECT_EQ(alarms.size(), 1);
-    EXPECT_EQ(alarms[0].id, first);
+    EXPECT_EQ(alarms.value(0).id, first);
     EXPECT_TRUE(heard().contains(s("ended ") + second));
     EXPECT_FALSE(watch.isAlarming());
 }
@@ -268,7 +268,7 @@ TEST_F(AlertWatchTest, ASampleWithoutTheFigureCountsForNothing)
     EXPECT_EQ(heard(), nothing);
     sample(temperatureSample(82, 81), 12);
     EXPECT_EQ(heard(), told(id));
-    EXPECT_EQ(alarms[0].value, 82.0);
+    EXPECT_EQ(alarms.value(0).value, 82.0);
     sample({}, 72);
     EXPECT_EQ(heard(), nothing);
     sample({}, 73); // unseen for more than a minute
@@ -306,7 +306,7 @@ TEST_F(AlertWatchTest, ABatteryThatRunsDownAndOneThatIsGone)
     battery({{s("BatteryRemainPercent"), 50.0F}}, 6);
     battery({{s("BatteryRemainPercent"), 19.5F}}, 9);
     EXPECT_EQ(heard(), told(id));
-    EXPECT_EQ(alarms[0].value, 19.5);
+    EXPECT_EQ(alarms.value(0).value, 19.5);
 }
 
 TEST_F(AlertWatchTest, NetworkFansAndAProcess)
@@ -360,10 +360,10 @@ TEST_F(AlertWatchTest, TheCulpritIsWhoUsedMostSinceTheEvent)
     sample(blaming(0.95, "brief", 13, "1.0"), 6);
     sample(blaming(0.95, "hog", 12, "0.9"), 9);
     ASSERT_EQ(alarms.size(), 1);
-    ASSERT_TRUE(alarms[0].culprit);
-    EXPECT_EQ(alarms[0].culprit->name, s("hog"));
-    EXPECT_EQ(alarms[0].culprit->number, 12);
-    EXPECT_NEAR(alarms[0].culprit->fraction, 0.6, 1e-9);
+    ASSERT_TRUE(alarms.value(0).culprit);
+    EXPECT_EQ(alarms.value(0).culprit->name, s("hog"));
+    EXPECT_EQ(alarms.value(0).culprit->number, 12);
+    EXPECT_NEAR(alarms.value(0).culprit->fraction, 0.6, 1e-9);
 }
 
 TEST_F(AlertWatchTest, AtOnceTheCulpritIsThatOfTheMinute)
@@ -374,8 +374,8 @@ TEST_F(AlertWatchTest, AtOnceTheCulpritIsThatOfTheMinute)
     sample(blaming(0.5, "hog", 11, "0.9"), 64);
     sample(blaming(0.95, "brief", 12, "1.0"), 67);
     ASSERT_EQ(alarms.size(), 1);
-    EXPECT_EQ(alarms[0].culprit->name, s("hog"));
-    EXPECT_EQ(alarms[0].culprit->number, 0); // it is not there now
+    EXPECT_EQ(alarms.value(0).culprit->name, s("hog"));
+    EXPECT_EQ(alarms.value(0).culprit->number, 0); // it is not there now
 }
 
 TEST_F(AlertWatchTest, NobodyIsToBlameForALoadThatFell)
@@ -384,7 +384,7 @@ TEST_F(AlertWatchTest, NobodyIsToBlameForALoadThatFell)
     sample(blaming(0.9, "hog", 11, "0.9"), 0);
     sample(blaming(0.4, "hog", 11, "0.2"), 3);
     ASSERT_EQ(alarms.size(), 1);
-    EXPECT_FALSE(alarms[0].culprit);
+    EXPECT_FALSE(alarms.value(0).culprit);
 }
 
 TEST_F(AlertWatchTest, AProcessNamesItselfWithItsNumber)
@@ -398,7 +398,7 @@ TEST_F(AlertWatchTest, AProcessNamesItselfWithItsNumber)
     dict.insert(s("ProcessList"), processes);
     sample(dict, 3);
     ASSERT_EQ(alarms.size(), 3);
-    EXPECT_EQ(alarms[0].culprit->number, 11); // the busier of the two
+    EXPECT_EQ(alarms.value(0).culprit->number, 11); // the busier of the two
     EXPECT_EQ(alarms[1].culprit->number, 12);
     EXPECT_EQ(alarms[1].culprit->name, s("hog"));
     EXPECT_EQ(alarms[2].culprit->name, s("gone"));
