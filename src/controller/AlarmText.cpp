@@ -28,7 +28,7 @@ QString comparison(const Alarm &alarm, bool fahrenheit)
 QString condition(const Alarm &alarm, bool fahrenheit)
 {
     static constexpr double kMillisecondsPerSecond = 1000.0;
-    const QString now = alarm.rule.watchesCable() ? QString() : comparison(alarm, fahrenheit);
+    QString now = alarm.rule.watchesCable() ? QString() : comparison(alarm, fahrenheit);
     const auto seconds =
         static_cast<int>(std::lround(static_cast<double>(alarm.heldFor) / kMillisecondsPerSecond));
     if (seconds <= 0 || now.isEmpty())

@@ -135,8 +135,8 @@ void AlertPanel::layOut()
     m_form->addRow(m_buttons);
     // The panel keeps its size while problems come and go.
     m_problem->setMinimumHeight(2 * m_problem->fontMetrics().lineSpacing());
-    m_form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
-    static constexpr int kFieldLetters = 28;
+    m_form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    static constexpr int kFieldLetters = 44;
     m_name->setMinimumWidth(kFieldLetters * fontMetrics().averageCharWidth());
 }
 

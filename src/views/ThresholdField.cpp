@@ -19,12 +19,32 @@ bool isRate(AlertSubject subject)
     return subject == AlertSubject::NetworkIn || subject == AlertSubject::NetworkOut;
 }
 
+/// Shows no more decimals than the number has.
+class ShortNumber : public QDoubleSpinBox
+{
+public:
+    using QDoubleSpinBox::QDoubleSpinBox;
+
+    QString textFromValue(double value) const override
+    {
+        QString number = QDoubleSpinBox::textFromValue(value);
+        const QString point = locale().decimalPoint();
+        if (!number.contains(point))
+            return number;
+        while (number.endsWith(locale().zeroDigit()))
+            number.chop(1);
+        if (number.endsWith(point))
+            number.chop(point.size());
+        return number;
+    }
+};
+
 } // namespace
 
 ThresholdField::ThresholdField(bool fahrenheit, QWidget *parent)
     : QWidget(parent)
     , m_fahrenheit(fahrenheit)
-    , m_number(new QDoubleSpinBox(this))
+    , m_number(new ShortNumber(this))
     , m_unit(new QComboBox(this))
 {
     m_number->setAccessibleName(localizedString(QStringLiteral("Threshold")));

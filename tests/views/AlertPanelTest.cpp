@@ -137,7 +137,14 @@ TEST_F(AlertPanelTest, AnotherSubjectBeginsWithWhatIsUsualForIt)
     watch("Fan speed");
     EXPECT_EQ(m_panel->rule().threshold, alertThresholdRange(AlertSubject::Fans, false).usual);
     EXPECT_TRUE(m_panel->rule().rising);
-    EXPECT_EQ(field<QDoubleSpinBox>("Threshold").suffix(), s("RPM"));
+    EXPECT_EQ(field<QDoubleSpinBox>("Threshold").text(), s("3000RPM"));
+    field<QDoubleSpinBox>("Threshold").setValue(2400);
+    watch("CPU load");
+    EXPECT_EQ(field<QDoubleSpinBox>("Threshold").text(), s("90%"));
+    field<QDoubleSpinBox>("Threshold").setValue(62.5);
+    EXPECT_EQ(field<QDoubleSpinBox>("Threshold").text(), s("62.5%"));
+    watch("Network in");
+    EXPECT_EQ(field<QDoubleSpinBox>("Threshold").text(), s("1000"));
 }
 
 TEST_F(AlertPanelTest, SaysWhatIsWrongAsOneTypes)
