@@ -20,6 +20,7 @@ QString lineOfCulprits(const QVariantList &sample)
         names += printableText(process.toList().value(0).toString());
     QString line = time.toString(QStringLiteral("HH:mm:ss")) + u' ' +
                    QString::number(sample.at(1).toDouble() * kPercent, 'f', 1) + u'%';
+    names.removeDuplicates();
     if (!names.isEmpty())
         line += QStringLiteral(": ") + names.join(QStringLiteral(", "));
     return line;

@@ -13,7 +13,7 @@ namespace pulsebar::cli {
 std::optional<quint32> secondsFromArguments(const QStringList &arguments);
 
 /// One line per sample, as "14:03:12 92.1%: cc1plus, Web Content", local time. A control character
-/// in a name becomes U+FFFD, so that a line is a sample.
+/// in a name becomes U+FFFD, so that a line is a sample; each name is there once.
 /// @param samples of the method `culprits`, each [time, total, [[name, number, fraction]…]]; others
 ///        are left out
 QString linesOfCulprits(const QVariantList &samples);

@@ -133,6 +133,7 @@ QString culpritText(const CulpritSample &sample)
     QStringList names;
     for (const Culprit &process : sample.processes())
         names += process.name;
+    names.removeDuplicates();
     if (!names.isEmpty())
         text += QStringLiteral(": ") + names.join(QStringLiteral(", "));
     return text;

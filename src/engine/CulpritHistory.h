@@ -73,7 +73,7 @@ private:
 };
 
 /// A sample for people: "14:03:12 92.1%: cc1plus, Web Content"; local time, the names printable
-/// and on one line. Without processes: "14:03:12 0.3%".
+/// and on one line, each of them once. Without processes: "14:03:12 0.3%".
 QString culpritText(const CulpritSample &sample);
 
 } // namespace pulsebar

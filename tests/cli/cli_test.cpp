@@ -215,7 +215,8 @@ TEST(Culprits, ALinePerSample)
     const qint64 time = QDateTime(QDate(2024, 2, 3), QTime(14, 3, 12, 900)).toMSecsSinceEpoch();
     const QVariantList busy{time, 0.921,
                             QVariantList{QVariantList{s("cc1plus"), qint64(12), 1.5},
-                                         QVariantList{s("Web\nContent"), qint64(13), 0.5}}};
+                                         QVariantList{s("Web\nContent"), qint64(13), 0.5},
+                                         QVariantList{s("cc1plus"), qint64(14), 0.4}}};
     const QVariantList idle{time + 3000, 0.003, QVariantList()};
     EXPECT_EQ(linesOfCulprits({QVariant(busy), QVariant(7), QVariant(idle)}),
               s("14:03:12 92.1%: cc1plus, Web\uFFFDContent\n14:03:15 0.3%\n"));

@@ -151,6 +151,9 @@ TEST(CulpritText, TimeLoadAndNames)
     history.add(sampleOf(0.921, {{"cc1plus", 10, "0.6"}, {"Web Content", 5, "0.5"}}),
                 time.toMSecsSinceEpoch());
     EXPECT_EQ(culpritText(*history.newest()), s("14:03:12 92.1%: cc1plus, Web Content"));
+    history.add(sampleOf(1.0, {{"cc1plus", 10, "0.6"}, {"as", 12, "0.55"}, {"cc1plus", 11, "0.5"}}),
+                time.toMSecsSinceEpoch());
+    EXPECT_EQ(culpritText(*history.newest()), s("14:03:12 100.0%: cc1plus, as"));
     history.add(sampleOf(0.003, {}), time.addSecs(3).toMSecsSinceEpoch());
     EXPECT_EQ(culpritText(*history.newest()), s("14:03:15 0.3%"));
 }
