@@ -30,10 +30,10 @@ bool drawsLabels(HostKind host)
     return host == HostKind::Gnome || host == HostKind::Mate || host == HostKind::AyatanaIndicators;
 }
 
-/// MATE draws the label in the icon's place, but a pixmap as wide as it is.
+/// MATE draws the label in the icon's place, and in its own colour, but a pixmap as wide as it is.
 bool drawsPictureInPixmapOnly(const Surroundings &around)
 {
-    return around.host == HostKind::Mate && around.hasPicture;
+    return around.host == HostKind::Mate && (around.hasPicture || around.attention);
 }
 
 PixmapStyle pixmapStyleFor(const Surroundings &around)

@@ -40,6 +40,8 @@ struct Surroundings
     bool hasTitle = true;
     /// An image stands beside the title.
     bool hasPicture = false;
+    /// The item is to be noticed.
+    bool attention = false;
 };
 
 /// Which faces show the item, and how.

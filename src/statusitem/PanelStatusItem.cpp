@@ -124,6 +124,7 @@ Faces PanelStatusItem::Private::facesNow() const
     around.how = how;
     around.hasTitle = !content.title.isEmpty();
     around.hasPicture = m_pictured;
+    around.attention = content.attention;
     return chooseFaces(around);
 }
 

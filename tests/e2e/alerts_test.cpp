@@ -9,6 +9,7 @@
 
 #include <QDBusArgument>
 #include <QFile>
+#include <QRegularExpression>
 
 #include <gtest/gtest.h>
 
@@ -165,16 +166,18 @@ TEST_F(AlertsTest, AConditionMustHoldForItsDuration)
 {
     startServer();
     RunningProgram program(desktop);
-    observe(program, {with(heatEntry("Hot for long"), "duration", 3)});
+    observe(program, {with(heatEntry("Hot for long"), "duration", 5)});
     ASSERT_TRUE(program.waitForSamples(2));
     machine.setChip(kPackage, kInput, "90000");
     ASSERT_TRUE(waitFor([&] { return !program.events.isEmpty(); }));
     machine.setChip(kPackage, kInput, "45000");
-    ASSERT_TRUE(program.waitForSamples(5));
+    ASSERT_TRUE(program.waitForSamples(7));
     EXPECT_TRUE(server->all.isEmpty());
     machine.setChip(kPackage, kInput, "90000");
-    EXPECT_TRUE(told().body.contains(s(" for 3 seconds")))
-        << server->all.constLast().body.toStdString();
+    // By the clock of the samples, of which there may be a later one on a busy machine.
+    const QRegularExpression held(s(" for (\\d+) seconds$"));
+    const QString body = told().body;
+    EXPECT_GE(held.match(body).captured(1).toInt(), 5) << body.toStdString();
 }
 
 TEST_F(AlertsTest, BatteryCableAndFansAreTold)

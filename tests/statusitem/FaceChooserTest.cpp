@@ -42,6 +42,17 @@ TEST(FaceChooser, SendsALabelAndNoTextPixmapsWhereLabelsAreDrawn)
     }
 }
 
+TEST(FaceChooser, DrawsWhatIsToBeNoticedForMate)
+{
+    Surroundings around = with(HostKind::Mate, false);
+    EXPECT_TRUE(chooseFaces(around).label);
+    around.attention = true;
+    EXPECT_FALSE(chooseFaces(around).label) << "it would stand in the icon's place";
+    EXPECT_EQ(chooseFaces(around).pixmaps, PixmapStyle::WideOnly);
+    around.host = HostKind::Gnome;
+    EXPECT_TRUE(chooseFaces(around).label) << "there the icon stands beside it";
+}
+
 TEST(FaceChooser, DrawsPictureAndTitleInOnePixmapForMate)
 {
     Surroundings around = with(HostKind::Mate, true);
