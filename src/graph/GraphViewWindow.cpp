@@ -41,6 +41,8 @@ GraphViewWindow::GraphViewWindow(WindowServices *services)
 
 GraphViewWindow::~GraphViewWindow()
 {
+    // Hiding sends events to the buttons, which tell this class.
+    orderOut();
     setGraphView(nullptr);
 }
 

@@ -30,6 +30,8 @@ public:
     void setGraphView(GraphView *graphView);
     void setCaption(const QString &caption);
     void setLastValue(const QString &lastValue);
+    /// What is shown beside the graph.
+    const GraphPictureContent &content() const { return m_content; }
 
     /// Sets the resting opacity at once, without a fade.
     void updateBackgroundAlphaValue();
