@@ -105,8 +105,11 @@ void ClearWindow::setAlphaValue(float alpha)
 void ClearWindow::orderFront()
 {
     m_orderedIn = true;
+    // One that is just shown is above the others anyway.
+    if (isVisible() && m_services->placesWindows()) {
+        raise();
+    }
     followMapping();
-    raise();
 }
 
 void ClearWindow::orderOut()
