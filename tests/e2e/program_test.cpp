@@ -262,8 +262,8 @@ TEST_F(ProgramTest, ValuesThatAreNotThereAreLeftOut)
             program.call(s("org.freedesktop.DBus.Properties"), s("GetAll"), {QString(kControl)})
                 .value)
             .keys(),
-        (QStringList{s("itemWidth"), s("observeArray"), s("title"), s("titleOnPanel"),
-                     s("titleTypesToDisplay")}));
+        (QStringList{s("graphWindowKeys"), s("itemWidth"), s("observeArray"), s("title"),
+                     s("titleOnPanel"), s("titleTypesToDisplay")}));
     EXPECT_TRUE(program.call(s("org.freedesktop.DBus.Introspectable"), s("Introspect"), {})
                     .value.toString()
                     .contains(s("<signal name=\"topDictChanged\"/>")));
