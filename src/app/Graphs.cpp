@@ -1,24 +1,14 @@
 #include "app/Graphs.h"
 
 #include "graph/GraphWindowController.h"
-#include "platform/Desktop.h"
 
 #include <utility>
 
 namespace pulsebar {
 
-namespace {
-
-WindowServices::Parts servicesOf(const Desktop &desktop)
-{
-    return {desktop.windowHints.get(), desktop.compositing.get(), desktop.windowCover.get()};
-}
-
-} // namespace
-
 Graphs::Graphs(const Desktop &desktop, Settings &settings, UsageCacheForKey cacheDataForKey)
     : m_store(settings)
-    , m_services(servicesOf(desktop))
+    , m_services(WindowServices::partsOf(desktop))
     , m_registry(
           [this](const QString &key) {
               return std::make_unique<GraphWindowController>(key, parts());

@@ -124,8 +124,8 @@ void DraggableClearWindow::mousePressEvent(QMouseEvent *event)
 
 void DraggableClearWindow::mouseMoveEvent(QMouseEvent *event)
 {
-    pointerAt(event->position());
     if (!m_pressed || !(event->buttons() & Qt::LeftButton)) {
+        pointerAt(event->position());
         return;
     }
     if (!services().placesWindows()) {
@@ -134,6 +134,8 @@ void DraggableClearWindow::mouseMoveEvent(QMouseEvent *event)
     }
     const QPointF pointer = m_space.flipped(event->globalPosition());
     setFrame(m_drag.mouseDragged(pointer, frame(), m_space.mainFrame()));
+    // A window that follows is not left, however far the pointer went at once.
+    pointerAt(event->globalPosition() - geometry().topLeft());
 }
 
 /// It keeps the pointer until the button is released, which it does not report.

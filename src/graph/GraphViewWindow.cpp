@@ -36,6 +36,8 @@ GraphViewWindow::GraphViewWindow(WindowServices *services)
     m_changeAlphaTimer.setInterval(std::chrono::round<std::chrono::milliseconds>(
         std::chrono::duration<double>(Fade::interval)));
     connect(&m_changeAlphaTimer, &QTimer::timeout, this, &GraphViewWindow::changeAlphaValue);
+    // Or a click would give it to the first button, as windows have it that come to the focus.
+    setFocus();
     updateBackgroundAlphaValue();
 }
 

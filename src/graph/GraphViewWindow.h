@@ -37,6 +37,7 @@ public:
     void updateBackgroundAlphaValue();
     /// Fades from the opacity of now; the first step is done at once. Cancels a fade.
     void changeAlphaValueTo(float target, int steps);
+    bool isFading() const { return m_fade.isRunning(); }
     /// Fades to what the window is without the pointer: resting, or gone while under threshold.
     void changeWindowAlphaWithoutPointed();
     /// Whether the value is on the quiet side. Without a use while no threshold is used.
