@@ -249,8 +249,9 @@ private:
             const QPointF away = at - m_direction * part;
             const double distance = std::sqrt(QPointF::dotProduct(away, away));
             const int covered = int((m_radius + blur - distance) * 256);
-            const bool beyond = (m_steep ? away.x() : away.y()) > 0;
-            quint8 &side = pixels[x].by[std::size_t((m_steep ? Left : Above) + (beyond ? 1 : 0))];
+            const int place =
+                m_steep ? (away.x() > 0 ? Right : Left) : (away.y() > 0 ? Below : Above);
+            quint8 &side = pixels[x].by[std::size_t(place)];
             side = std::max(side, quint8(std::clamp(covered, 0, 255)));
         }
     }
