@@ -5,6 +5,7 @@
 #include "graph/GraphViewSetting.h"
 #include "graph/GraphWindowController.h"
 #include "graph/RectText.h"
+#include "graph/WindowTitle.h"
 #include "util/Localisation.h"
 
 namespace pulsebar {
@@ -16,12 +17,6 @@ QString thresholdUnit(const GraphSeries &series)
 {
     const QString &unit = series.rules.dataUnit;
     return unit == u"KB" ? unit + QStringLiteral("/s") : unit;
-}
-
-/// The toolkit takes a placeholder of its own out of titles, be it part of a name or not.
-QString literalTitle(QString text)
-{
-    return text.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
 }
 
 } // namespace
@@ -39,7 +34,7 @@ GraphSettingWindowController::~GraphSettingWindowController() = default;
 
 void GraphSettingWindowController::windowDidLoad()
 {
-    m_panel->setWindowTitle(literalTitle(localizedFormat(
+    m_panel->setWindowTitle(literalWindowTitle(localizedFormat(
         QStringLiteral("Graph Settings: %@"), m_mainWindowController.series().caption())));
     connect(m_panel.get(), &GraphSettingPanel::closeRequested, this,
             &GraphSettingWindowController::settingSheetOk);

@@ -5,6 +5,7 @@
 #include "graph/GraphWindowButton.h"
 #include "graph/HaloText.h"
 #include "graph/ShowPicture.h"
+#include "graph/WindowTitle.h"
 
 #include <QCloseEvent>
 #include <QGuiApplication>
@@ -100,7 +101,7 @@ void GraphViewWindow::contentChanged(const GraphPictureContent &content)
 
 void GraphViewWindow::setCaption(const QString &caption)
 {
-    setWindowTitle(caption);
+    setWindowTitle(literalWindowTitle(caption));
     GraphPictureContent content = m_content;
     content.caption = caption;
     contentChanged(content);
