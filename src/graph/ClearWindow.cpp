@@ -56,11 +56,12 @@ void ClearWindow::setFrame(const QRectF &frame)
     const QSizeF size(std::max(frame.width(), double(smallestWidth)),
                       std::max(frame.height(), double(smallestHeight)));
     const QRectF wanted(frame.topLeft(), size);
-    if (wanted == m_frame) {
+    // The same frame is another place once the main screen's lower edge is elsewhere.
+    const QRect given = currentScreenSpace().flipped(wanted).toRect();
+    if (wanted == m_frame && !m_given.isEmpty() && m_given.constLast() == given) {
         return;
     }
     m_frame = wanted;
-    const QRect given = currentScreenSpace().flipped(m_frame).toRect();
     m_given.append(given);
     {
         const QScopedValueRollback<bool> setting(m_settingFrame, true);

@@ -20,7 +20,8 @@ template <typename T> using Reply = std::unique_ptr<T, Free>;
 } // namespace
 
 XDisplay::XDisplay(Desktop &desktop)
-    : m_connection(
+    : m_desktop(desktop)
+    , m_connection(
           xcb_connect(desktop.environment().value(QStringLiteral("DISPLAY")).toUtf8().constData(),
                       nullptr),
           &xcb_disconnect)
@@ -35,11 +36,22 @@ quint32 XDisplay::root() const
     return m_screen->root;
 }
 
-QSize XDisplay::size() const
+void XDisplay::resizeScreen(QSize size) const
 {
-    const Reply<xcb_get_geometry_reply_t> reply(xcb_get_geometry_reply(
-        m_connection.get(), xcb_get_geometry(m_connection.get(), root()), nullptr));
-    return {reply->width, reply->height};
+    const QString name = QStringLiteral("%1x%2 of the test").arg(size.width()).arg(size.height());
+    const QString output = QStringLiteral("screen");
+    const QString width = QString::number(size.width());
+    const QString height = QString::number(size.height());
+    const QString zero = QStringLiteral("0");
+    const auto xrandr = [this](const QStringList &arguments) {
+        return Process(QStringLiteral("xrandr"), arguments, m_desktop.environment()).waitForEnd();
+    };
+    // One that is there already is used again.
+    xrandr({QStringLiteral("--newmode"), name, zero, width, zero, zero, width, height, zero, zero,
+            height});
+    xrandr({QStringLiteral("--addmode"), output, name});
+    if (xrandr({QStringLiteral("--output"), output, QStringLiteral("--mode"), name}) != 0)
+        throw std::runtime_error("the test's screen cannot be resized");
 }
 
 quint32 XDisplay::atom(const char *name) const

@@ -39,7 +39,8 @@ public:
     /// The titles of all shown windows that have one, sorted.
     QStringList shownTitles() const;
     QImage look(const QRect &part) const;
-    QSize size() const;
+    /// Gives the screen another size, at most the one that it started with.
+    void resizeScreen(QSize size) const;
 
     void point(QPoint at) const;
     void press(int button = 1) const;
@@ -66,6 +67,7 @@ private:
     QString atomName(quint32 atom) const;
     void fake(int type, int detail, QPoint at = {}) const;
 
+    Desktop &m_desktop;
     std::unique_ptr<xcb_connection_t, void (*)(xcb_connection_t *)> m_connection;
     const xcb_screen_t *m_screen;
 };

@@ -286,6 +286,23 @@ TEST_F(GraphTest, APlaceOutsideTheScreenIsLeftFor200)
     EXPECT_TRUE(program.waitForFrame("CPU0", {650, 0, 150, 50})) << "wholly inside";
 }
 
+TEST_F(GraphTest, FollowsTheScreensSizeAndComesBack)
+{
+    const QRect moved(560, 10, 200, 70);
+    GraphProgram program(on);
+    ASSERT_EQ(program.show(kTotal, kTotalTitle), kDefaultFrame);
+    EXPECT_TRUE(dragTo(program, display(), {100, 50}, {360, -320}, moved));
+    ASSERT_EQ(program.show("CPUUsage__CPU0", "CPU0"), kDefaultFrame);
+    display().resizeScreen({640, 480});
+    // 200 upward from where the bottom is now; what does not fit goes there, too.
+    const QRect lower(200, 210, 200, 70);
+    EXPECT_TRUE(program.waitForFrame("CPU0", lower));
+    EXPECT_TRUE(program.waitForFrame(kTotalTitle, lower));
+    display().resizeScreen({800, 600});
+    EXPECT_TRUE(program.waitForFrame("CPU0", kDefaultFrame));
+    EXPECT_TRUE(program.waitForFrame(kTotalTitle, moved)) << "as it was on a screen of this size";
+}
+
 TEST_F(GraphTest, TakesNoFocusAndStaysOutOfTheWay)
 {
     const WindowManager manager(desktop());
