@@ -65,6 +65,8 @@ void GraphSettingWindowController::settingSheetOk()
 void GraphSettingWindowController::settingSheetDidEnd(QDialog &sheet, int /*returnCode*/)
 {
     sheet.hide();
+    // Placed by us from now on: the toolkit would centre it anew, and not quite where it was.
+    sheet.move(sheet.pos());
     storeFrame();
 }
 

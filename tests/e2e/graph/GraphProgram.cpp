@@ -76,7 +76,7 @@ QRect GraphProgram::show(const char *key, const char *title)
 
 bool GraphProgram::waitForFrame(const char *title, const QRect &frame) const
 {
-    return waitFor([&] { return m_on.display.frame(s(title)) == frame; }, 3000);
+    return waitFor([&] { return m_on.display.frame(s(title)) == frame; });
 }
 
 bool GraphProgram::waitUntilGone(const char *title) const
