@@ -129,6 +129,16 @@ std::vector<std::uint32_t> XClient::stacking() const
     return m_screen->property(m_screen->screen().root, m_screen->atom("_NET_CLIENT_LIST_STACKING"));
 }
 
+xcb_window_t XClient::parentOf(xcb_window_t window) const
+{
+    xcb_connection_t *connection = m_screen->connection();
+    const XcbReply<xcb_query_tree_reply_t> tree(
+        xcb_query_tree_reply(connection, xcb_query_tree(connection, window), nullptr));
+    if (!tree)
+        throw std::runtime_error("the window is gone");
+    return tree->parent;
+}
+
 void XClient::flush() const
 {
     xcb_flush(m_screen->connection());

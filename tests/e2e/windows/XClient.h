@@ -39,6 +39,8 @@ public:
 
     /// Windows from the bottom to the top, as the window manager says.
     std::vector<std::uint32_t> stacking() const;
+    /// Throws when there is no such window.
+    xcb_window_t parentOf(xcb_window_t window) const;
     const X11Screen &screen() const { return *m_screen; }
     void flush() const;
 

@@ -227,6 +227,29 @@ TEST_F(WindowCoverTest, AWindowThatNobodyKnowsIsNotCovered)
     EXPECT_FALSE(m_cover->isCovered(0x7FFFFFFF));
 }
 
+TEST_F(DisplayTest, AWindowWithoutAShadowSaysSoInItsFrame)
+{
+    const WindowManager manager(m_desktop);
+    XClient others;
+    const X11Screen &screen = others.screen();
+    const xcb_window_t window = others.open({100, 100, 200, 70});
+    const xcb_window_t root = screen.screen().root;
+    ASSERT_TRUE(waitFor([&] { return others.parentOf(window) != root; })) << "it is managed";
+    const auto hints = makeWindowHints();
+    hints->withoutShadow(window);
+    const xcb_atom_t extents = screen.atom("_GTK_FRAME_EXTENTS");
+    EXPECT_TRUE(waitFor(
+        [&] { return screen.property(window, extents) == std::vector<std::uint32_t>(4, 0); }));
+    // The window manager's own may be several, one in the other.
+    xcb_window_t frame = window;
+    for (xcb_window_t outer = others.parentOf(window); outer != root;
+         outer = others.parentOf(frame))
+        frame = outer;
+    const xcb_atom_t shadow = screen.atom("_COMPTON_SHADOW");
+    EXPECT_TRUE(
+        waitFor([&] { return screen.property(frame, shadow) == std::vector<std::uint32_t>{0}; }));
+}
+
 TEST_F(DisplayTest, WithoutAWindowManagerNothingIsCovered)
 {
     XClient others;

@@ -44,14 +44,29 @@ public:
     void withoutShadow(quintptr window) override
     {
         // Compositors give no shadow to what says that it draws its own around itself, be it 0
-        // wide; the other property is picom's.
+        // wide. Picom has a property for it, too, and looks for it on what the window manager put
+        // around the window.
         const auto id = xcb_window_t(window);
         m_screen->setProperty(id, m_frameExtents, XCB_ATOM_CARDINAL, {0, 0, 0, 0});
-        m_screen->setProperty(id, m_shadow, XCB_ATOM_CARDINAL, {0});
+        m_screen->setProperty(outermost(id), m_shadow, XCB_ATOM_CARDINAL, {0});
         xcb_flush(m_screen->connection());
     }
 
 private:
+    /// The window that holds a window and is a child of the root.
+    xcb_window_t outermost(xcb_window_t window) const
+    {
+        xcb_connection_t *connection = m_screen->connection();
+        for (;;) {
+            const XcbReply<xcb_query_tree_reply_t> tree(
+                xcb_query_tree_reply(connection, xcb_query_tree(connection, window), nullptr));
+            if (!tree || tree->parent == XCB_NONE || tree->parent == tree->root) {
+                return window;
+            }
+            window = tree->parent;
+        }
+    }
+
     void ask(xcb_window_t window, xcb_atom_t what, std::initializer_list<std::uint32_t> data) const
     {
         constexpr std::uint32_t toWindowManager =
