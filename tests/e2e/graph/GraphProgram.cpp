@@ -35,7 +35,7 @@ GraphDesktop::GraphDesktop()
     display.point({0, 0});
 }
 
-void GraphDesktop::installSampler() const
+void GraphDesktop::installSampler()
 {
     const QDir folder(desktop.folder() + s("/helpers"));
     folder.mkpath(folder.path());
@@ -45,7 +45,7 @@ void GraphDesktop::installSampler() const
     file.write(s(kSampler).arg(s(PULSEBAR_HELPERS)).toUtf8());
     file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     QFile::link(s(PULSEBAR_HELPERS "/pulsebar-nettop"), folder.filePath(s("pulsebar-nettop")));
-    const_cast<Desktop &>(desktop).environment().insert(s("PULSEBAR_LIBEXEC_DIR"), folder.path());
+    desktop.environment().insert(s("PULSEBAR_LIBEXEC_DIR"), folder.path());
 }
 
 void GraphDesktop::hold(bool held) const

@@ -24,7 +24,7 @@ public:
     XDisplay display;
 
 private:
-    void installSampler() const;
+    void installSampler();
 };
 
 /// The program, and its graphs as the X server shows them.
