@@ -36,6 +36,13 @@ quint32 XDisplay::root() const
     return m_screen->root;
 }
 
+quint32 XDisplay::topLevel(quint32 window) const
+{
+    const Reply<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(
+        m_connection.get(), xcb_query_tree(m_connection.get(), window), nullptr));
+    return !tree || tree->parent == root() ? window : topLevel(tree->parent);
+}
+
 void XDisplay::resizeScreen(QSize size) const
 {
     const QString name = QStringLiteral("%1x%2 of the test").arg(size.width()).arg(size.height());

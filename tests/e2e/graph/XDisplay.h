@@ -55,6 +55,8 @@ public:
     /// The first number in a window's property; absent when there is none.
     std::optional<quint32> number(quint32 window, const char *property) const;
     quint32 root() const;
+    /// The window itself, or what a window manager has put around it.
+    quint32 topLevel(quint32 window) const;
     /// Asks the window manager to close a window, as its own button does.
     void requestClose(quint32 window) const;
     /// Opens a window that window managers manage, and shows it.
