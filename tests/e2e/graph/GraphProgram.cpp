@@ -12,11 +12,13 @@ namespace pulsebar::e2e {
 
 namespace {
 
-// One report after the other instead of one per interval.
+// One report after the other instead of one per interval, as long as the program is there: one that
+// is killed in a test ends no helper of its own.
 constexpr const char *kSampler = R"(#!/bin/sh
 shift 2
-while :; do
-    [ -e "$HOME/hold" ] || %1/pulsebar-top -l 1 "$@"
+program=$PPID
+while kill -0 "$program" 2>/dev/null; do
+    [ -e "$HOME/hold" ] || %1/pulsebar-top -l 1 "$@" || exit
     sleep 0.05
 done
 )";
