@@ -149,6 +149,13 @@ TEST_F(ClearWindowTest, IsNeverTooSmall)
     EXPECT_EQ(changes.count(), 1) << "nothing changed";
 }
 
+TEST_F(ClearWindowTest, StaysWithinTheWindowSystemsReach)
+{
+    m_window.setFrame({3e38, -3e38, 3e38, 1e300});
+    EXPECT_EQ(m_window.frame(), QRectF(32767, -32767, 32767, 32767));
+    EXPECT_EQ(m_window.geometry().x(), 32767);
+}
+
 TEST_F(ClearWindowTest, KeepsTheFractionsOfItsFrame)
 {
     show();
