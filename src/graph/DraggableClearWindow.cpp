@@ -124,7 +124,12 @@ void DraggableClearWindow::mousePressEvent(QMouseEvent *event)
 
 void DraggableClearWindow::mouseMoveEvent(QMouseEvent *event)
 {
-    if (!m_pressed || !(event->buttons() & Qt::LeftButton)) {
+    if (!(event->buttons() & Qt::LeftButton)) {
+        // A modal window that opens during a drag swallows the release.
+        endDrag(event);
+        return;
+    }
+    if (!m_pressed) {
         pointerAt(event->position());
         return;
     }
@@ -153,12 +158,20 @@ void DraggableClearWindow::leaveDraggingToWindowSystem()
 
 void DraggableClearWindow::mouseReleaseEvent(QMouseEvent *event)
 {
-    if (event->button() != Qt::LeftButton || !std::exchange(m_pressed, false)) {
-        return;
+    if (event->button() == Qt::LeftButton) {
+        endDrag(event);
     }
+}
+
+/// The button is up, as this event says.
+void DraggableClearWindow::endDrag(QMouseEvent *event)
+{
+    const bool wasPressed = std::exchange(m_pressed, false);
     pointerAt(event->position());
-    mouseUp(event);
-    showCursor();
+    if (wasPressed) {
+        mouseUp(event);
+        showCursor();
+    }
 }
 
 void DraggableClearWindow::mouseUp(QMouseEvent *event)

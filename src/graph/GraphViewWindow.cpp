@@ -203,13 +203,25 @@ void GraphViewWindow::mouseExited(TrackingRectTag tag)
     DraggableClearWindow::mouseExited(tag);
 }
 
-void GraphViewWindow::mouseUp(QMouseEvent *event)
+void GraphViewWindow::leaveAfterResize()
 {
     if (std::exchange(m_changeAlphaAtMouseUp, false)) {
         changeWindowAlphaWithoutPointed();
         offerButtons(false);
     }
+}
+
+void GraphViewWindow::mouseUp(QMouseEvent *event)
+{
+    leaveAfterResize();
     DraggableClearWindow::mouseUp(event);
+}
+
+void GraphViewWindow::hideEvent(QHideEvent *event)
+{
+    // The drag ends here, and its release will not be told.
+    DraggableClearWindow::hideEvent(event);
+    leaveAfterResize();
 }
 
 void GraphViewWindow::placeButtons()

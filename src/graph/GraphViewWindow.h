@@ -60,6 +60,7 @@ protected:
     void mouseExited(TrackingRectTag tag) override;
     void mouseUp(QMouseEvent *event) override;
     void paintContent(QPainter &painter, float opacity) override;
+    void hideEvent(QHideEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void changeEvent(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
@@ -69,6 +70,7 @@ private:
     GraphWindowButton *addButton(const QString &name);
     void placeButtons();
     void offerButtons(bool offered);
+    void leaveAfterResize();
     void changeAlphaValue();
     void graphChanged();
     void contentChanged(const GraphPictureContent &content);

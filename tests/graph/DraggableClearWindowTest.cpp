@@ -193,6 +193,18 @@ TEST_F(DraggableClearWindowTest, WhereWindowsArePlacedByOthersTheyAreDraggedByTh
     EXPECT_EQ(m_window.frame(), QRectF(300, 200, 200, 70));
 }
 
+TEST_F(DraggableClearWindowTest, ADragEndsWithAReleaseThatWasNotTold)
+{
+    m_pointer.press({195, 35});
+    m_pointer.moveBy({40, 0});
+    ASSERT_TRUE(m_window.isResizing());
+    m_pointer.loseButtons();
+    m_pointer.moveBy({-20, 0});
+    EXPECT_FALSE(m_window.isResizing());
+    EXPECT_EQ(m_window.frame().width(), 240);
+    EXPECT_EQ(m_window.cursor().shape(), Qt::ArrowCursor) << "the pointer left the rim";
+}
+
 TEST_F(DraggableClearWindowTest, ADragEndsWhenTheWindowIsHidden)
 {
     m_window.orderFront();

@@ -220,6 +220,26 @@ TEST_F(GraphViewWindowTest, LeavingDuringAResizeFadesAtTheRelease)
     EXPECT_TRUE(rests(0.55F));
 }
 
+TEST_F(GraphViewWindowTest, HiddenDuringAResizeItComesBackAtRest)
+{
+    track();
+    show();
+    m_pointer.enter({195, 35});
+    ASSERT_TRUE(rests(1.0F));
+    m_pointer.press({195, 35});
+    m_pointer.moveBy({0, 200});
+    ASSERT_TRUE(offersButtons());
+    m_window.orderOut();
+    EXPECT_FALSE(offersButtons());
+    EXPECT_TRUE(rests(0.55F));
+    m_pointer.loseButtons();
+    m_window.orderFront();
+    m_pointer.press({100, 35});
+    m_pointer.release();
+    EXPECT_TRUE(offersButtons()) << "the pointer is on it";
+    EXPECT_TRUE(rests(1.0F));
+}
+
 TEST_F(GraphViewWindowTest, LeavingDuringAMoveFadesAtOnce)
 {
     track();

@@ -42,6 +42,8 @@ public:
         m_buttons = Qt::NoButton;
         send(QEvent::MouseButtonRelease, button);
     }
+    /// Releases them without a word to the window.
+    void loseButtons() { m_buttons = Qt::NoButton; }
 
 private:
     QPointF global(QPointF place) const { return place + m_window->geometry().topLeft(); }
