@@ -12,10 +12,13 @@
 #include <QApplication>
 #include <QCursor>
 #include <QDialog>
+#include <QDoubleSpinBox>
 #include <QHash>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QPointer>
 #include <QTest>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -410,6 +413,29 @@ TEST_F(GraphWindowControllerTest, ShowsOnePanelForTheLifeOfTheWindow)
     controller->showSettingPanel();
     controller->close();
     EXPECT_EQ(shownPanel(), nullptr);
+}
+
+TEST_F(GraphWindowControllerTest, GoesWhileAMenuOfItsPanelIsOpen)
+{
+    auto controller = open("CPU1");
+    controller->viewSetting().setProperty("useThreshold", true);
+    controller->showSettingPanel();
+    const QPointer<QDialog> panel = shownPanel();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(panel));
+    const auto *number = panel->findChild<QDoubleSpinBox *>();
+    ASSERT_NE(number, nullptr);
+    bool hadMenu = false;
+    // The menu has an event loop of its own, from within the number field's event handler.
+    QTimer::singleShot(0, panel, [&] {
+        hadMenu = QApplication::activePopupWidget() != nullptr;
+        controller->close();
+        controller.reset();
+    });
+    QTest::mouseClick(panel->windowHandle(), Qt::RightButton, {},
+                      number->mapTo(panel, number->rect().center()));
+    EXPECT_TRUE(hadMenu);
+    EXPECT_TRUE(panel.isNull());
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
 }
 
 TEST_F(GraphWindowControllerTest, ThePanelComesBackWhereItWas)
