@@ -317,10 +317,14 @@ TEST_F(ProgramTest, SavesWhenTheDisplayIsTakenAway)
 {
     RunningProgram program(desktop);
     program.set(kScripting, "listMax", 4);
+    program.control("showGraphViewForKey", {s("CPUTotalUsage")});
     ASSERT_TRUE(program.waitForSamples(1));
     desktop.stopDisplay();
     EXPECT_TRUE(waitFor([&program] { return !program.process().isRunning(); }));
-    EXPECT_TRUE(desktop.settings().contains("\nlistMax=4\n")) << desktop.settings().constData();
+    for (const char *line :
+         {"\nlistMax=4\n", "\ngraphWindowKeys=CPUTotalUsage\n",
+          "\nGraphWindowSetting_CPUTotalUsage=\"{\\\"lineColor\\\":\\\"#ffff0000\\\""})
+        EXPECT_TRUE(desktop.settings().contains(line)) << desktop.settings().constData();
 }
 
 TEST_F(ProgramTest, OutlivesItsBus)
