@@ -44,6 +44,19 @@ TEST(CoveredArea, SeveralHideItTogether)
     EXPECT_TRUE(hidden(filled));
 }
 
+TEST(CoveredArea, GivesUpOnVeryManyPieces)
+{
+    const auto withDots = [](int count) {
+        std::vector<QRect> above;
+        for (int dot = 0; dot < count; ++dot)
+            above.emplace_back(101 + dot % 90 * 2, 101 + dot / 90 * 2, 1, 1);
+        above.push_back(window);
+        return above;
+    };
+    EXPECT_TRUE(hidden(withDots(100)));
+    EXPECT_FALSE(hidden(withDots(3000)));
+}
+
 TEST(CoveredArea, WhatIsBesideOrEmptyHidesNothing)
 {
     EXPECT_FALSE(hidden({{400, 100, 200, 70}, QRect()}));

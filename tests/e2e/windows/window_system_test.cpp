@@ -145,6 +145,18 @@ TEST_F(WindowCoverTest, OneThatIsPutAwayUncovers)
     EXPECT_TRUE(becomesUncovered());
 }
 
+TEST_F(WindowCoverTest, OneThatIsPutAwayButStaysMappedUncovers)
+{
+    const xcb_window_t video = openAbove({0, 0, 800, 600});
+    EXPECT_TRUE(becomesCovered());
+    constexpr std::uint32_t normal = 1;
+    constexpr std::uint32_t iconic = 3;
+    m_others.set(video, "WM_STATE", {iconic, 0});
+    EXPECT_TRUE(becomesUncovered());
+    m_others.set(video, "WM_STATE", {normal, 0});
+    EXPECT_TRUE(becomesCovered());
+}
+
 TEST_F(WindowCoverTest, OneThatComesToTheTopIsUncovered)
 {
     openAbove({0, 0, 800, 600});
@@ -184,10 +196,14 @@ TEST_F(WindowCoverTest, TranslucentWindowsDoNotCover)
 
 TEST_F(WindowCoverTest, OfAnAlphaChannelOnlyWhatIsSaidToBeOpaqueCovers)
 {
-    const xcb_window_t other = openAbove({0, 0, 800, 600}, {.alpha = true, .fullscreen = false});
+    const xcb_window_t other = openAbove({10, 10, 780, 580}, {.alpha = true, .fullscreen = false});
     EXPECT_FALSE(m_cover->isCovered(m_window));
     m_others.set(other, "_NET_WM_OPAQUE_REGION", {0, 0, 800, 150, 0, 150, 800, 450});
     EXPECT_TRUE(becomesCovered());
+    m_others.set(other, "_NET_WM_OPAQUE_REGION", {0, 0, 800, 100});
+    EXPECT_TRUE(becomesUncovered());
+    m_others.set(other, "_NET_WM_OPAQUE_REGION", {0, 0, 0x7FFFFFFF, 0x7FFFFFFF});
+    EXPECT_TRUE(becomesCovered()) << "all of it, as some programs say";
     m_others.remove(other, "_NET_WM_OPAQUE_REGION");
     EXPECT_TRUE(becomesUncovered());
 }

@@ -7,6 +7,9 @@ namespace pulsebar {
 
 namespace {
 
+/// Of what is left. Windows of ordinary shapes leave a few dozen.
+constexpr std::size_t mostPieces = 512;
+
 /// Appends what is left of a rectangle beside another one: at most four rectangles.
 void appendRest(const QRect &rect, const QRect &cover, std::vector<QRect> &rest)
 {
@@ -35,6 +38,9 @@ bool isHiddenBy(const QRect &rect, std::span<const QRect> above)
         std::vector<QRect> rest;
         for (const QRect &part : visible) {
             appendRest(part, cover, rest);
+        }
+        if (rest.size() > mostPieces) {
+            return false;
         }
         visible = std::move(rest);
     }

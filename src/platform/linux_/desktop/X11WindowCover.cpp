@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -16,11 +17,23 @@ namespace {
 
 constexpr std::uint8_t alphaDepth = 32;
 constexpr std::uint32_t fullOpacity = 0xFFFFFFFF;
+/// Of a shape. No covering window of an ordinary shape has nearly as many.
+constexpr int mostRects = 1024;
+
+/// A number of another program's, which may say "everything" with the largest one that there is.
+/// The window system itself counts with 15 bits and a sign.
+int pointsFrom(std::uint32_t number)
+{
+    constexpr int farthest = 32767;
+    return std::clamp(int(number), -farthest, farthest);
+}
 
 /// What lies over a window, by the window manager's list (_NET_CLIENT_LIST_STACKING, EWMH).
 ///
 /// Only the content of other windows counts, not their frames, which may be shaped or let something
-/// shine through; and of a window with an alpha channel only what it says is opaque.
+/// shine through; and of a window with an alpha channel only what it says is opaque. One that is
+/// put away (WM_STATE, ICCCM) covers nothing: compositing window managers keep it mapped for its
+/// thumbnail.
 ///
 /// What was found out is kept until an event says that it may be wrong, and asked for anew with the
 /// next question. Events come for the list itself, for the windows that were asked about, and for
@@ -51,6 +64,7 @@ private:
     Rects readShape(xcb_window_t window) const;
     Rects readOpaqueRegion(xcb_window_t window) const;
     std::optional<QRect> placeOf(xcb_window_t window) const;
+    bool isPutAway(xcb_window_t window) const;
 
     void handle(const xcb_generic_event_t &event);
     void handleProperty(const xcb_property_notify_event_t &event);
@@ -64,10 +78,12 @@ private:
     xcb_atom_t m_stackingList = XCB_ATOM_NONE;
     xcb_atom_t m_opacity = XCB_ATOM_NONE;
     xcb_atom_t m_opaqueRegion = XCB_ATOM_NONE;
+    xcb_atom_t m_state = XCB_ATOM_NONE;
     bool m_hasFixes = false;
 
     std::optional<std::vector<xcb_window_t>> m_stacking;    ///< from the bottom to the top
     std::map<xcb_window_t, std::optional<Rects>> m_watched; ///< with what is opaque, where known
+    std::set<xcb_window_t> m_putAway;                       ///< of the watched ones
     std::map<xcb_window_t, bool> m_answers;
     bool m_mayBeUncovered = false;
 };
@@ -78,6 +94,7 @@ void X11WindowCover::start()
     m_stackingList = m_screen->atom("_NET_CLIENT_LIST_STACKING");
     m_opacity = m_screen->atom("_NET_WM_WINDOW_OPACITY");
     m_opaqueRegion = m_screen->atom("_NET_WM_OPAQUE_REGION");
+    m_state = m_screen->atom("WM_STATE");
     const xcb_query_extension_reply_t *fixes = xcb_get_extension_data(connection, &xcb_xfixes_id);
     if (fixes && fixes->present) {
         // Shapes are told since version 2.
@@ -148,9 +165,20 @@ const X11WindowCover::Rects &X11WindowCover::opaqueRects(xcb_window_t window)
     watch(window);
     std::optional<Rects> &rects = m_watched[window];
     if (!rects) {
-        rects = readOpaqueRects(window);
+        const bool putAway = isPutAway(window);
+        if (putAway) {
+            m_putAway.insert(window);
+        }
+        rects = putAway ? Rects() : readOpaqueRects(window);
     }
     return *rects;
+}
+
+bool X11WindowCover::isPutAway(xcb_window_t window) const
+{
+    constexpr std::uint32_t iconic = 3;
+    const auto state = m_screen->property(window, m_state);
+    return !state.empty() && state.front() == iconic;
 }
 
 /// The rectangles of a window that nothing shines through, on the screen.
@@ -189,7 +217,8 @@ X11WindowCover::Rects X11WindowCover::readShape(xcb_window_t window) const
     Rects rects;
     if (reply) {
         const xcb_rectangle_t *first = xcb_xfixes_fetch_region_rectangles(reply.get());
-        const int count = xcb_xfixes_fetch_region_rectangles_length(reply.get());
+        const int count =
+            std::min(xcb_xfixes_fetch_region_rectangles_length(reply.get()), mostRects);
         std::transform(first, first + count, std::back_inserter(rects),
                        [](const xcb_rectangle_t &rect) {
                            return QRect(rect.x, rect.y, rect.width, rect.height);
@@ -204,8 +233,9 @@ X11WindowCover::Rects X11WindowCover::readOpaqueRegion(xcb_window_t window) cons
     const auto numbers = m_screen->property(window, m_opaqueRegion);
     Rects rects;
     for (std::size_t at = 0; at + 4 <= numbers.size(); at += 4) {
-        rects.emplace_back(int(numbers[at]), int(numbers[at + 1]), int(numbers[at + 2]),
-                           int(numbers[at + 3]));
+        rects.emplace_back(pointsFrom(numbers[at]), pointsFrom(numbers[at + 1]),
+                           std::max(0, pointsFrom(numbers[at + 2])),
+                           std::max(0, pointsFrom(numbers[at + 3])));
     }
     return rects;
 }
@@ -258,6 +288,10 @@ void X11WindowCover::handleProperty(const xcb_property_notify_event_t &event)
         }
     } else if (event.atom == m_opacity || event.atom == m_opaqueRegion) {
         forget(event.window);
+    } else if (event.atom == m_state &&
+               isPutAway(event.window) != m_putAway.contains(event.window)) {
+        // A window manager sets it, too, for a window that it just mapped, and to what it was.
+        forget(event.window);
     }
 }
 
@@ -265,6 +299,7 @@ void X11WindowCover::handleProperty(const xcb_property_notify_event_t &event)
 /// longer matter.
 void X11WindowCover::forget(xcb_window_t window)
 {
+    m_putAway.erase(window);
     if (m_watched.erase(window) == 0) {
         return;
     }
