@@ -3,6 +3,7 @@
 #include "app/CommandLine.h"
 #include "app/DataFolders.h"
 #include "app/Display.h"
+#include "app/Graphs.h"
 #include "app/HelperPaths.h"
 #include "app/Manuals.h"
 #include "app/ProgramPath.h"
@@ -84,6 +85,8 @@ public:
         , m_sensors(*m_platform)
         , m_monitor(sources(), samplerCommand(QStringLiteral("pulsebar-top")))
         , m_networkMonitor(samplerCommand(QStringLiteral("pulsebar-nettop")))
+        , m_graphs(m_desktop, m_settings,
+                   [this](const QString &key) { return m_monitor.cacheDataForKey(key); })
         , m_detailWindow([this] { return newestReport(); })
         , m_application(m_desktop.urlOpener.get(),
                         manualPlaces(QCoreApplication::applicationDirPath()))
@@ -117,6 +120,7 @@ private:
         ControllerParts parts{m_monitor, m_statusItem, m_settings, PanelStatusItem::programImage(),
                               endProgram};
         parts.networkMonitor = &m_networkMonitor;
+        parts.graphWindows = &m_graphs.windows();
         parts.processes = m_platform->processes.get();
         parts.showDetailWindow = [this] { m_detailWindow.show(); };
         parts.processActions = processActions();
@@ -189,6 +193,7 @@ private:
     Sensors m_sensors;
     TopMonitor m_monitor;
     NettopMonitor m_networkMonitor;
+    Graphs m_graphs;
     DetailWindow m_detailWindow;
     QuestionBoxes m_questions;
     AlertPanels m_alertPanels;

@@ -230,9 +230,26 @@ template <> std::optional<QVector<bool>> Settings::read<QVector<bool>>(const cha
     return list;
 }
 
-void Settings::removeKey(const char *key)
+bool Settings::hasText(const QString &key) const
 {
-    const QString encoded = settingsformat::encodedKey(QString::fromLatin1(key));
+    return m_file.contains(settingsformat::encodedKey(key));
+}
+
+QStringList Settings::textKeys(const QString &beginning) const
+{
+    QStringList keys;
+    const QString encodedBeginning = settingsformat::encodedKey(beginning);
+    const QStringList all = m_file.childKeys();
+    for (const QString &encoded : all) {
+        if (encoded.startsWith(encodedBeginning))
+            keys += settingsformat::decodedKey(encoded);
+    }
+    return keys;
+}
+
+void Settings::removeKey(const QString &key)
+{
+    const QString encoded = settingsformat::encodedKey(key);
     if (m_file.contains(encoded))
         m_file.remove(encoded);
 }

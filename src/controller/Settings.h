@@ -104,6 +104,10 @@ public:
     /// there is none; a value that is no single text is reported.
     std::optional<QString> text(const QString &key);
     void setText(const QString &key, const QString &text);
+    void removeText(const QString &key) { removeKey(key); }
+    bool hasText(const QString &key) const;
+    /// The keys that begin so, in the order of the file.
+    QStringList textKeys(const QString &beginning) const;
 
     /// Says in the log that a key's value is of no use.
     void reportMalformed(const QString &key) const;
@@ -117,7 +121,8 @@ private:
 
     QVariant storedValue(const QString &key) const;
     QVariant storedValue(const char *key) const { return storedValue(QString::fromLatin1(key)); }
-    void removeKey(const char *key);
+    void removeKey(const QString &key);
+    void removeKey(const char *key) { removeKey(QString::fromLatin1(key)); }
     void write(const char *key, const QString &value);
     void write(const char *key, int value);
     void write(const char *key, qint64 value);

@@ -178,6 +178,11 @@ QString encodedKey(QStringView key)
     return encoded;
 }
 
+QString decodedKey(QStringView encoded)
+{
+    return textOf(QByteArray::fromPercentEncoding(encoded.toUtf8()));
+}
+
 QSettings::Format format()
 {
     static const QSettings::Format registered =

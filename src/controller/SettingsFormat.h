@@ -35,6 +35,9 @@ QByteArray write(const QSettings::SettingsMap &values);
 /// every other byte of its UTF-8 text as `%XX`.
 QString encodedKey(QStringView key);
 
+/// The key that encodedKey() wrote.
+QString decodedKey(QStringView encoded);
+
 /// The format's number for QSettings, registered on the first call.
 QSettings::Format format();
 

@@ -13,6 +13,25 @@
 
 namespace pulsebar {
 
+namespace {
+
+/// The window system counts points with 15 bits and a sign.
+constexpr double farthest = 32767.0;
+
+double withinReach(double value, double lowest)
+{
+    return std::clamp(value, lowest, farthest);
+}
+
+QRectF possibleFrame(const QRectF &frame)
+{
+    return {withinReach(frame.x(), -farthest), withinReach(frame.y(), -farthest),
+            withinReach(frame.width(), double(smallestWidth)),
+            withinReach(frame.height(), double(smallestHeight))};
+}
+
+} // namespace
+
 ClearWindow::ClearWindow(WindowServices *services)
     : m_services(services)
 {
@@ -53,14 +72,13 @@ void ClearWindow::initWithContentRect(const QRectF &contentRect)
 
 void ClearWindow::setFrame(const QRectF &frame)
 {
-    const QSizeF size(std::max(frame.width(), double(smallestWidth)),
-                      std::max(frame.height(), double(smallestHeight)));
-    const QRectF wanted(frame.topLeft(), size);
-    if (wanted == m_frame) {
+    const QRectF wanted = possibleFrame(frame);
+    // The same frame is another place once the main screen's lower edge is elsewhere.
+    const QRect given = currentScreenSpace().flipped(wanted).toRect();
+    if (wanted == m_frame && !m_given.isEmpty() && m_given.constLast() == given) {
         return;
     }
     m_frame = wanted;
-    const QRect given = currentScreenSpace().flipped(m_frame).toRect();
     m_given.append(given);
     {
         const QScopedValueRollback<bool> setting(m_settingFrame, true);
@@ -105,8 +123,11 @@ void ClearWindow::setAlphaValue(float alpha)
 void ClearWindow::orderFront()
 {
     m_orderedIn = true;
+    // One that is just shown is above the others anyway.
+    if (isVisible() && m_services->placesWindows()) {
+        raise();
+    }
     followMapping();
-    raise();
 }
 
 void ClearWindow::orderOut()

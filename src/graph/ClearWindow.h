@@ -28,7 +28,8 @@ public:
 
     /// What it was given last, be it by setFrame(), by the user or by the window system.
     QRectF frame() const { return m_frame; }
-    /// Never smaller than 120 by 42 points; the lower left corner is kept then.
+    /// Never smaller than 120 by 42 points; the lower left corner is kept then. What lies beyond
+    /// the window system's reach is brought back into it.
     void setFrame(const QRectF &frame);
 
     /// 0 (not to be seen) to 1.

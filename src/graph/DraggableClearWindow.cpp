@@ -124,8 +124,13 @@ void DraggableClearWindow::mousePressEvent(QMouseEvent *event)
 
 void DraggableClearWindow::mouseMoveEvent(QMouseEvent *event)
 {
-    pointerAt(event->position());
-    if (!m_pressed || !(event->buttons() & Qt::LeftButton)) {
+    if (!(event->buttons() & Qt::LeftButton)) {
+        // A modal window that opens during a drag swallows the release.
+        endDrag(event);
+        return;
+    }
+    if (!m_pressed) {
+        pointerAt(event->position());
         return;
     }
     if (!services().placesWindows()) {
@@ -134,6 +139,8 @@ void DraggableClearWindow::mouseMoveEvent(QMouseEvent *event)
     }
     const QPointF pointer = m_space.flipped(event->globalPosition());
     setFrame(m_drag.mouseDragged(pointer, frame(), m_space.mainFrame()));
+    // A window that follows is not left, however far the pointer went at once.
+    pointerAt(event->globalPosition() - geometry().topLeft());
 }
 
 /// It keeps the pointer until the button is released, which it does not report.
@@ -151,12 +158,20 @@ void DraggableClearWindow::leaveDraggingToWindowSystem()
 
 void DraggableClearWindow::mouseReleaseEvent(QMouseEvent *event)
 {
-    if (event->button() != Qt::LeftButton || !std::exchange(m_pressed, false)) {
-        return;
+    if (event->button() == Qt::LeftButton) {
+        endDrag(event);
     }
+}
+
+/// The button is up, as this event says.
+void DraggableClearWindow::endDrag(QMouseEvent *event)
+{
+    const bool wasPressed = std::exchange(m_pressed, false);
     pointerAt(event->position());
-    mouseUp(event);
-    showCursor();
+    if (wasPressed) {
+        mouseUp(event);
+        showCursor();
+    }
 }
 
 void DraggableClearWindow::mouseUp(QMouseEvent *event)

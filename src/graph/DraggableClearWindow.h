@@ -51,6 +51,7 @@ private:
     QPointF upward(QPointF place) const;
     void notify();
     void showCursor();
+    void endDrag(QMouseEvent *event);
     void leaveDraggingToWindowSystem();
 
     WindowDrag m_drag;

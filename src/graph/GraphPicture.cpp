@@ -121,6 +121,9 @@ void GraphPicture::drawTexts()
 
 void GraphPicture::drawButtons()
 {
+    if (m_content.closeButton == GraphButtonLook::Hidden &&
+        m_content.settingButton == GraphButtonLook::Hidden)
+        return;
     const GraphLayout layout = graphLayout(m_source.size, lineHeight(m_content.font));
     drawGraphButton(m_image, layout.closeButton, GraphButton::Close, m_content.closeButton,
                     m_content.closeButtonFocused);

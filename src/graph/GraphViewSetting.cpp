@@ -21,7 +21,10 @@ namespace {
 /// No such object needs nearly as much.
 constexpr qsizetype kLongestText = 16384;
 /// The window system counts a window's points with 15 bits.
-constexpr float kLargestSize = 32767.0F;
+constexpr double kLargestSize = 32767.0;
+/// More than any screen shows. Both the program and the display server keep every pixel of a
+/// window, so that within those 15 bits one entry could still take all of a machine's memory.
+constexpr double kLargestArea = 7680.0 * 4320.0;
 
 constexpr double kLargestFloat = std::numeric_limits<float>::max();
 
@@ -101,9 +104,11 @@ std::optional<QVariant> valueFrom(const QJsonValue &value, QMetaType type)
     }
 }
 
-bool isPossibleSize(float size)
+bool isPossibleSize(QSizeF size)
 {
-    return size >= 0.0F && size <= kLargestSize;
+    const auto isPossible = [](double side) { return side >= 0.0 && side <= kLargestSize; };
+    return isPossible(size.width()) && isPossible(size.height()) &&
+           size.width() * size.height() <= kLargestArea;
 }
 
 /// Absent when the text is no object.
@@ -161,7 +166,7 @@ std::unique_ptr<GraphViewSetting> GraphViewSetting::decode(const QString &text)
             return nullptr;
         setting->setProperty(name.constData(), *value);
     }
-    if (!isPossibleSize(setting->m_sizeWidth) || !isPossibleSize(setting->m_sizeHeight))
+    if (!isPossibleSize(setting->windowRect().size()))
         return nullptr;
     setting->m_characterColor = Qt::white;
     setting->m_alphaAtPoint = 1.0F;

@@ -5,6 +5,7 @@
 #include "graph/GraphWindowButton.h"
 #include "graph/HaloText.h"
 #include "graph/ShowPicture.h"
+#include "graph/WindowTitle.h"
 
 #include <QCloseEvent>
 #include <QGuiApplication>
@@ -36,11 +37,15 @@ GraphViewWindow::GraphViewWindow(WindowServices *services)
     m_changeAlphaTimer.setInterval(std::chrono::round<std::chrono::milliseconds>(
         std::chrono::duration<double>(Fade::interval)));
     connect(&m_changeAlphaTimer, &QTimer::timeout, this, &GraphViewWindow::changeAlphaValue);
+    // Or a click would give it to the first button, as windows have it that come to the focus.
+    setFocus();
     updateBackgroundAlphaValue();
 }
 
 GraphViewWindow::~GraphViewWindow()
 {
+    // Hiding sends events to the buttons, which tell this class.
+    orderOut();
     setGraphView(nullptr);
 }
 
@@ -96,7 +101,7 @@ void GraphViewWindow::contentChanged(const GraphPictureContent &content)
 
 void GraphViewWindow::setCaption(const QString &caption)
 {
-    setWindowTitle(caption);
+    setWindowTitle(literalWindowTitle(caption));
     GraphPictureContent content = m_content;
     content.caption = caption;
     contentChanged(content);
@@ -198,13 +203,25 @@ void GraphViewWindow::mouseExited(TrackingRectTag tag)
     DraggableClearWindow::mouseExited(tag);
 }
 
-void GraphViewWindow::mouseUp(QMouseEvent *event)
+void GraphViewWindow::leaveAfterResize()
 {
     if (std::exchange(m_changeAlphaAtMouseUp, false)) {
         changeWindowAlphaWithoutPointed();
         offerButtons(false);
     }
+}
+
+void GraphViewWindow::mouseUp(QMouseEvent *event)
+{
+    leaveAfterResize();
     DraggableClearWindow::mouseUp(event);
+}
+
+void GraphViewWindow::hideEvent(QHideEvent *event)
+{
+    // The drag ends here, and its release will not be told.
+    DraggableClearWindow::hideEvent(event);
+    leaveAfterResize();
 }
 
 void GraphViewWindow::placeButtons()

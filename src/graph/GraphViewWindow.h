@@ -30,11 +30,14 @@ public:
     void setGraphView(GraphView *graphView);
     void setCaption(const QString &caption);
     void setLastValue(const QString &lastValue);
+    /// What is shown beside the graph.
+    const GraphPictureContent &content() const { return m_content; }
 
     /// Sets the resting opacity at once, without a fade.
     void updateBackgroundAlphaValue();
     /// Fades from the opacity of now; the first step is done at once. Cancels a fade.
     void changeAlphaValueTo(float target, int steps);
+    bool isFading() const { return m_fade.isRunning(); }
     /// Fades to what the window is without the pointer: resting, or gone while under threshold.
     void changeWindowAlphaWithoutPointed();
     /// Whether the value is on the quiet side. Without a use while no threshold is used.
@@ -57,6 +60,7 @@ protected:
     void mouseExited(TrackingRectTag tag) override;
     void mouseUp(QMouseEvent *event) override;
     void paintContent(QPainter &painter, float opacity) override;
+    void hideEvent(QHideEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void changeEvent(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
@@ -66,6 +70,7 @@ private:
     GraphWindowButton *addButton(const QString &name);
     void placeButtons();
     void offerButtons(bool offered);
+    void leaveAfterResize();
     void changeAlphaValue();
     void graphChanged();
     void contentChanged(const GraphPictureContent &content);

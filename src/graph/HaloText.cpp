@@ -164,7 +164,11 @@ void HaloText::draw(const Content &content, double room)
 {
     if (m_content == content && m_room == room)
         return;
+    const bool otherFont =
+        m_room < 0 || m_content.font != content.font || m_content.scale != content.scale;
     m_content = content;
+    if (otherFont)
+        scaleFont();
     m_room = room;
     m_image = QImage();
     m_width = 0;
@@ -172,15 +176,20 @@ void HaloText::draw(const Content &content, double room)
         layOut();
 }
 
+void HaloText::scaleFont()
+{
+    m_scaledFont = fontForScale(m_content.font, m_content.scale);
+    m_fontAscent = QFontMetricsF(m_scaledFont).ascent();
+}
+
 void HaloText::layOut()
 {
     const double scale = m_content.scale;
     const double room = m_room * scale;
-    QTextLayout layout(oneLine(m_content.text), fontForScale(m_content.font, scale));
+    QTextLayout layout(oneLine(m_content.text), m_scaledFont);
     QTextLine line = layOutLine(layout);
     if (line.naturalTextWidth() > room) {
-        layout.setText(
-            QFontMetricsF(layout.font()).elidedText(layout.text(), Qt::ElideRight, room));
+        layout.setText(QFontMetricsF(m_scaledFont).elidedText(layout.text(), Qt::ElideRight, room));
         line = layOutLine(layout);
     }
     if (!line.isValid() || layout.text().isEmpty())
@@ -188,8 +197,7 @@ void HaloText::layOut()
     m_width = line.naturalTextWidth() / scale;
     const int margin = int(std::ceil(haloReach * scale)) + 1;
     // The baseline is the font's, also where letters were taken from another, taller one.
-    const double raised =
-        std::max(0.0, std::ceil(line.ascent() - QFontMetricsF(layout.font()).ascent()));
+    const double raised = std::max(0.0, std::ceil(line.ascent() - m_fontAscent));
     m_offset = QPoint(margin, margin + int(raised));
     m_image =
         QImage(int(std::ceil(line.naturalTextWidth())) + 2 * margin,

@@ -33,9 +33,12 @@ public:
     void showOn(QImage &image, QPoint topLeft) const;
 
 private:
+    void scaleFont();
     void layOut();
 
     Content m_content;
+    QFont m_scaledFont; ///< the content's, in pixels
+    double m_fontAscent = 0.0;
     double m_room = -1.0;
     double m_width = 0.0;
     QImage m_image;

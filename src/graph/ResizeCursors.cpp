@@ -3,22 +3,40 @@
 #include <QGuiApplication>
 #include <QPixmap>
 
+#include <algorithm>
+#include <array>
+
 namespace pulsebar {
 
 namespace {
 
 constexpr int hotSpot = 8;
 
-/// The drawing at the scale of the finest screen.
+struct Drawing
+{
+    double scale;
+    QLatin1String suffix;
+};
+
+constexpr std::array drawings{
+    Drawing{1.0, QLatin1String("")},
+    Drawing{1.25, QLatin1String("@1.25x")},
+    Drawing{1.5, QLatin1String("@1.5x")},
+    Drawing{2.0, QLatin1String("@2x")},
+};
+
+/// From the drawing for the finest screen.
 QCursor cursorFrom(const QString &name)
 {
-    const double scale = qGuiApp->devicePixelRatio();
-    const QString suffix = scale > 1.5    ? QStringLiteral("@2x")
-                           : scale > 1.25 ? QStringLiteral("@1.5x")
-                           : scale > 1.0  ? QStringLiteral("@1.25x")
-                                          : QString();
-    return QCursor(QPixmap(QStringLiteral(":/cursors/%1%2.png").arg(name, suffix)), hotSpot,
-                   hotSpot);
+    const double wanted = qGuiApp->devicePixelRatio();
+    const auto *drawing = std::find_if(drawings.begin(), drawings.end(),
+                                       [&](const Drawing &it) { return it.scale >= wanted; });
+    if (drawing == drawings.end()) {
+        --drawing;
+    }
+    QPixmap pixmap(QStringLiteral(":/cursors/%1%2.png").arg(name, drawing->suffix));
+    pixmap.setDevicePixelRatio(drawing->scale);
+    return QCursor(pixmap, hotSpot, hotSpot);
 }
 
 const QCursor &madeOnce(std::optional<QCursor> &cursor, const QString &name)

@@ -4,8 +4,20 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <cmath>
 
 namespace pulsebar {
+
+namespace {
+
+/// The painter cuts an opacity to 256ths, and those to 255ths, and so shows one step too little.
+/// This is the one that ends up at the 255th next to the opacity wanted.
+double painterOpacity(float opacity)
+{
+    return (1 + std::round(255.0 * std::min(opacity, 1.0F))) / 256;
+}
+
+} // namespace
 
 void showPicture(QPainter &painter, const QImage &picture, float opacity)
 {
@@ -18,7 +30,7 @@ void showPicture(QPainter &painter, const QImage &picture, float opacity)
                         picture.bytesPerLine(), picture.format());
     painter.save();
     painter.scale(1 / picture.devicePixelRatio(), 1 / picture.devicePixelRatio());
-    painter.setOpacity(std::min(opacity, 1.0F));
+    painter.setOpacity(painterOpacity(opacity));
     painter.drawImage(QPoint(0, 0), pixels);
     painter.restore();
 }

@@ -9,6 +9,7 @@ namespace pulsebar {
 class Compositing;
 class WindowCover;
 class WindowHints;
+struct Desktop;
 
 /// What the graph windows share of the desktop: one object for all of them, which outlives them.
 class WindowServices : public QObject
@@ -23,6 +24,10 @@ public:
         Compositing *compositing = nullptr; ///< null: windows are translucent always
         WindowCover *cover = nullptr;       ///< null: no window counts as covered
     };
+
+    /// The parts of a desktop that are about the windows which the toolkit shows on the running
+    /// program's platform: an X server's, and no others beside it.
+    static Parts partsOf(const Desktop &desktop);
 
     explicit WindowServices(const Parts &parts, QObject *parent = nullptr);
     ~WindowServices() override;

@@ -10,7 +10,8 @@ class Compositing
 public:
     virtual ~Compositing() = default;
 
-    virtual bool isRunning() const = 0;
+    /// Known without asking anew.
+    virtual bool isRunning() = 0;
     /// Called after isRunning() changed.
     virtual void setListener(std::function<void()> listener) = 0;
 };

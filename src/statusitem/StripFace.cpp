@@ -65,6 +65,8 @@ StripFace::StripFace(StripPlace place, WindowHints *hints)
         m_left = m_place.load();
     }
     followScreens();
+    // An item that never says anything has a size, too: its sign's.
+    fitToContent();
 }
 
 void StripFace::followScreens()

@@ -1,7 +1,7 @@
 #include "views/DetailText.h"
 
 #include "util/Localisation.h"
-#include "views/ReadableText.h"
+#include "util/ReadableText.h"
 
 #include <QFontDatabase>
 #include <QFontInfo>

@@ -89,6 +89,31 @@ TEST_F(GraphSettingsTest, ReadsObjectsWrittenByHand)
               s("{\"threshold\": 1, \"useThreshold\": true}"));
 }
 
+TEST_F(GraphSettingsTest, ProcessesAreForgottenBeforeTheFileGrowsTooLarge)
+{
+    Settings settings(m_name);
+    GraphSettings store(settings);
+    const QString beginning = s("GraphWindowSetting_");
+    const QString panel = s("ViewSettingWindow_");
+    const QString object(350, u'x');
+    store.setGraphSetting(beginning + s("CPUTotalUsage"), object);
+    store.setGraphSetting(panel + s("Temperature__CPU Die"), object);
+    for (int i = 0; i < 600; ++i) {
+        store.setGraphSetting(beginning + s("process %1").arg(i), object);
+        store.setGraphSetting(panel + s("CPUUsage__%1//name").arg(i), object);
+        EXPECT_EQ(store.graphSetting(beginning + s("process %1").arg(i)), object);
+    }
+    store.flush();
+    EXPECT_EQ(settings.textKeys(beginning).size(), GraphSettings::kMostOfAKind);
+    EXPECT_EQ(settings.textKeys(panel).size(), GraphSettings::kMostOfAKind);
+    EXPECT_LT(fileText().size(), 1 << 19);
+    EXPECT_EQ(readAnew(beginning + s("CPUTotalUsage")), object);
+    EXPECT_EQ(readAnew(panel + s("Temperature__CPU Die")), object);
+    EXPECT_EQ(readAnew(panel + s("CPUUsage__599//name")), object);
+    store.setGraphSetting(beginning + s("CPUTotalUsage"), s("y"));
+    EXPECT_EQ(settings.textKeys(beginning).size(), GraphSettings::kMostOfAKind);
+}
+
 TEST_F(GraphSettingsTest, AListIsNoText)
 {
     writeFile("GraphWindowSetting_a=1, 2\n");

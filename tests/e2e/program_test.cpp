@@ -215,8 +215,8 @@ TEST_F(ProgramTest, ValuesThatAreNotThereAreLeftOut)
             program.call(s("org.freedesktop.DBus.Properties"), s("GetAll"), {QString(kControl)})
                 .value)
             .keys(),
-        (QStringList{s("itemWidth"), s("observeArray"), s("title"), s("titleOnPanel"),
-                     s("titleTypesToDisplay")}));
+        (QStringList{s("graphWindowKeys"), s("itemWidth"), s("observeArray"), s("title"),
+                     s("titleOnPanel"), s("titleTypesToDisplay")}));
     EXPECT_TRUE(program.call(s("org.freedesktop.DBus.Introspectable"), s("Introspect"), {})
                     .value.toString()
                     .contains(s("<signal name=\"topDictChanged\"/>")));
@@ -270,10 +270,14 @@ TEST_F(ProgramTest, SavesWhenTheDisplayIsTakenAway)
 {
     RunningProgram program(desktop);
     program.set(kScripting, "listMax", 4);
+    program.control("showGraphViewForKey", {s("CPUTotalUsage")});
     ASSERT_TRUE(program.waitForSamples(1));
     desktop.stopDisplay();
     EXPECT_TRUE(waitFor([&program] { return !program.process().isRunning(); }));
-    EXPECT_TRUE(desktop.settings().contains("\nlistMax=4\n")) << desktop.settings().constData();
+    for (const char *line :
+         {"\nlistMax=4\n", "\ngraphWindowKeys=CPUTotalUsage\n",
+          "\nGraphWindowSetting_CPUTotalUsage=\"{\\\"lineColor\\\":\\\"#ffff0000\\\""})
+        EXPECT_TRUE(desktop.settings().contains(line)) << desktop.settings().constData();
 }
 
 TEST_F(ProgramTest, OutlivesItsBus)

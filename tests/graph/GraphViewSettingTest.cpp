@@ -222,6 +222,20 @@ TEST(GraphViewSetting, SizesThatNoWindowHasAreNone)
     EXPECT_TRUE(GraphViewSetting::decode(withField("positionX", "-99999")));
 }
 
+TEST(GraphViewSetting, AWindowLargerThanAnyScreenIsNone)
+{
+    const auto sized = [](const char *width, const char *height) {
+        return GraphViewSetting::decode(
+            QStringLiteral("{\"sizeWidth\":%1,\"sizeHeight\":%2}").arg(s(width), s(height)));
+    };
+    EXPECT_TRUE(sized("7680", "4320"));
+    EXPECT_TRUE(sized("4320", "7680"));
+    EXPECT_TRUE(sized("32767", "1000"));
+    EXPECT_FALSE(sized("7681", "4320"));
+    EXPECT_FALSE(sized("12000", "12000"));
+    EXPECT_FALSE(sized("32767", "32767"));
+}
+
 TEST(GraphViewSetting, HugeAndDeepTextsAreNone)
 {
     EXPECT_FALSE(GraphViewSetting::decode(s("{\"a\":\"") + QString(5000000, u'x') + s("\"}")));

@@ -105,6 +105,15 @@ TEST(ShowPicture, FadesThePictureAsAWhole)
     }
 }
 
+TEST(ShowPicture, IsAsOpaqueAsItIsToldToBe)
+{
+    QImage picture({10, 10}, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::black);
+    for (int alpha = 0; alpha <= 255; ++alpha)
+        EXPECT_EQ(qAlpha(shown(picture, float(alpha) / 255).pixel(5, 5)), alpha);
+    EXPECT_EQ(qAlpha(shown(picture, 0.55F).pixel(5, 5)), 140);
+}
+
 TEST(ShowPicture, ShowsNothingWhenFadedOut)
 {
     const QImage picture = pattern({50, 20}, 1.25);

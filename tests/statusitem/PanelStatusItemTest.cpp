@@ -151,6 +151,16 @@ TEST_F(PanelStatusItemTest, LeavesTheStripOutWhileThePanelIsStillStarting)
     EXPECT_EQ(visibleStrip(), nullptr) << "a panel that is started anew comes back";
 }
 
+TEST_F(PanelStatusItemTest, AStripThatNeverHadATextIsAsSmallAsItsSign)
+{
+    auto item = makeItem();
+    item->setTitleOnPanel(TitleOnPanel::Icon);
+    item->setMenuDelegate(&menu);
+    ASSERT_TRUE(waitFor([] { return visibleStrip() != nullptr; }));
+    EXPECT_LT(visibleStrip()->height(), 64);
+    EXPECT_LT(visibleStrip()->width(), 64);
+}
+
 TEST_F(PanelStatusItemTest, ComesAnewToMateWhereALabelWouldStay)
 {
     names.name = QStringLiteral("notification-area-applet");

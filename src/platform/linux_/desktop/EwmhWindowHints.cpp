@@ -22,6 +22,7 @@ public:
         , m_state(m_screen->atom("_NET_WM_STATE"))
         , m_skipTaskbar(m_screen->atom("_NET_WM_STATE_SKIP_TASKBAR"))
         , m_skipPager(m_screen->atom("_NET_WM_STATE_SKIP_PAGER"))
+        , m_frameExtents(m_screen->atom("_GTK_FRAME_EXTENTS"))
         , m_shadow(m_screen->atom("_COMPTON_SHADOW"))
     {
     }
@@ -42,13 +43,30 @@ public:
 
     void withoutShadow(quintptr window) override
     {
-        // Understood by picom. Other compositors give a shadow to what has a frame, which a window
-        // without one has not.
-        m_screen->setProperty(xcb_window_t(window), m_shadow, XCB_ATOM_CARDINAL, {0});
+        // Compositors give no shadow to what says that it draws its own around itself, be it 0
+        // wide. Picom has a property for it, too, and looks for it on what the window manager put
+        // around the window.
+        const auto id = xcb_window_t(window);
+        m_screen->setProperty(id, m_frameExtents, XCB_ATOM_CARDINAL, {0, 0, 0, 0});
+        m_screen->setProperty(outermost(id), m_shadow, XCB_ATOM_CARDINAL, {0});
         xcb_flush(m_screen->connection());
     }
 
 private:
+    /// The window that holds a window and is a child of the root.
+    xcb_window_t outermost(xcb_window_t window) const
+    {
+        xcb_connection_t *connection = m_screen->connection();
+        for (;;) {
+            const XcbReply<xcb_query_tree_reply_t> tree(
+                xcb_query_tree_reply(connection, xcb_query_tree(connection, window), nullptr));
+            if (!tree || tree->parent == XCB_NONE || tree->parent == tree->root) {
+                return window;
+            }
+            window = tree->parent;
+        }
+    }
+
     void ask(xcb_window_t window, xcb_atom_t what, std::initializer_list<std::uint32_t> data) const
     {
         constexpr std::uint32_t toWindowManager =
@@ -61,6 +79,7 @@ private:
     xcb_atom_t m_state;
     xcb_atom_t m_skipTaskbar;
     xcb_atom_t m_skipPager;
+    xcb_atom_t m_frameExtents;
     xcb_atom_t m_shadow;
 };
 

@@ -2,11 +2,13 @@
 
 #include "platform/AdministratorRights.h"
 #include "platform/ApplicationWindows.h"
+#include "platform/Compositing.h"
 #include "platform/FileViewer.h"
 #include "platform/Notifications.h"
 #include "platform/ProcessNames.h"
 #include "platform/TrayDock.h"
 #include "platform/UrlOpener.h"
+#include "platform/WindowCover.h"
 #include "platform/WindowHints.h"
 
 #include <memory>
@@ -19,6 +21,13 @@ std::unique_ptr<TrayDock> makeTrayDock();
 
 /// Extended window manager hints on the same screen. Nothing without an X server.
 std::unique_ptr<WindowHints> makeWindowHints();
+
+/// Whether a compositing manager runs on the same screen. Nothing without an X server.
+std::unique_ptr<Compositing> makeCompositing();
+
+/// Which windows managed ones hide on the same screen, by the window manager's own list of how they
+/// lie over each other. Nothing without an X server.
+std::unique_ptr<WindowCover> makeWindowCover();
 
 /// Names from /proc/PID/cmdline.
 std::unique_ptr<ProcessNames> makeProcessNames();

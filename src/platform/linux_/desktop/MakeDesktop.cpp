@@ -8,6 +8,8 @@ Desktop makeDesktop()
     Desktop desktop;
     desktop.trayDock = makeTrayDock();
     desktop.windowHints = makeWindowHints();
+    desktop.windowCover = makeWindowCover();
+    desktop.compositing = makeCompositing();
     desktop.processNames = makeProcessNames();
     desktop.applicationWindows = makeApplicationWindows();
     desktop.fileViewer = makeFileViewer();

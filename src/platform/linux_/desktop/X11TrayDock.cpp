@@ -2,8 +2,6 @@
 
 #include "platform/linux_/desktop/LinuxDesktop.h"
 
-#include <QAbstractEventDispatcher>
-
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -25,16 +23,6 @@ constexpr std::uint32_t baseSizeSet = 1U << 8;
 
 constexpr std::uint32_t windowEvents =
     XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_BUTTON_PRESS;
-
-std::uint8_t eventType(const xcb_generic_event_t &event)
-{
-    return event.response_type & 0x7F;
-}
-
-template <typename Event> const Event &as(const xcb_generic_event_t &event)
-{
-    return reinterpret_cast<const Event &>(event);
-}
 
 Qt::MouseButton buttonOf(xcb_button_t detail)
 {
@@ -78,13 +66,8 @@ X11TrayDock::X11TrayDock(std::unique_ptr<X11Screen> screen)
     const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(connection, m_screen->screen().root, XCB_CW_EVENT_MASK, &mask);
     lookForManager();
-    m_notifier = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection),
-                                                   QSocketNotifier::Read);
-    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
-                     [this] { readEvents(); });
-    // Waiting for an answer reads events along with it, and then the socket has nothing to tell.
-    QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock,
-                     m_notifier.get(), [this] { handleQueued(); });
+    m_events = std::make_unique<X11Events>(
+        *m_screen, [this](const xcb_generic_event_t &event) { handle(event); });
 }
 
 X11TrayDock::~X11TrayDock() = default;
@@ -293,36 +276,16 @@ void X11TrayDock::present() const
     xcb_flush(m_screen->connection());
 }
 
-void X11TrayDock::readEvents()
-{
-    xcb_connection_t *connection = m_screen->connection();
-    while (const auto event = XcbReply<xcb_generic_event_t>(xcb_poll_for_event(connection))) {
-        handle(*event);
-    }
-    if (xcb_connection_has_error(connection)) {
-        m_notifier->setEnabled(false);
-    }
-}
-
-void X11TrayDock::handleQueued()
-{
-    xcb_connection_t *connection = m_screen->connection();
-    while (const auto event =
-               XcbReply<xcb_generic_event_t>(xcb_poll_for_queued_event(connection))) {
-        handle(*event);
-    }
-}
-
 void X11TrayDock::handle(const xcb_generic_event_t &event)
 {
-    switch (eventType(event)) {
+    switch (X11Events::type(event)) {
     case XCB_CLIENT_MESSAGE:
-        handleClientMessage(as<xcb_client_message_event_t>(event));
+        handleClientMessage(X11Events::as<xcb_client_message_event_t>(event));
         break;
     case XCB_DESTROY_NOTIFY:
-        if (as<xcb_destroy_notify_event_t>(event).window == m_manager) {
+        if (X11Events::as<xcb_destroy_notify_event_t>(event).window == m_manager) {
             managerGone();
-        } else if (as<xcb_destroy_notify_event_t>(event).window == m_window) {
+        } else if (X11Events::as<xcb_destroy_notify_event_t>(event).window == m_window) {
             windowGone();
             if (m_listener) {
                 m_listener->traySizeChanged();
@@ -330,25 +293,26 @@ void X11TrayDock::handle(const xcb_generic_event_t &event)
         }
         break;
     case XCB_REPARENT_NOTIFY:
-        handleReparent(as<xcb_reparent_notify_event_t>(event));
+        handleReparent(X11Events::as<xcb_reparent_notify_event_t>(event));
         break;
     case XCB_CONFIGURE_NOTIFY:
-        handleConfigure(as<xcb_configure_notify_event_t>(event));
+        handleConfigure(X11Events::as<xcb_configure_notify_event_t>(event));
         break;
     case XCB_MAP_NOTIFY:
     case XCB_UNMAP_NOTIFY:
-        if (as<xcb_map_notify_event_t>(event).window == m_window) {
-            setMapped(eventType(event) == XCB_MAP_NOTIFY);
+        if (X11Events::as<xcb_map_notify_event_t>(event).window == m_window) {
+            setMapped(X11Events::type(event) == XCB_MAP_NOTIFY);
         }
         break;
     case XCB_EXPOSE:
-        if (as<xcb_expose_event_t>(event).count == 0) {
+        if (X11Events::as<xcb_expose_event_t>(event).count == 0) {
             present();
         }
         break;
     case XCB_BUTTON_PRESS:
         if (m_listener) {
-            m_listener->trayClicked(buttonOf(as<xcb_button_press_event_t>(event).detail));
+            m_listener->trayClicked(
+                buttonOf(X11Events::as<xcb_button_press_event_t>(event).detail));
         }
         break;
     default:

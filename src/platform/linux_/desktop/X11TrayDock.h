@@ -1,9 +1,8 @@
 #pragma once
 
 #include "platform/TrayDock.h"
+#include "platform/linux_/desktop/X11Events.h"
 #include "platform/linux_/desktop/X11Screen.h"
-
-#include <QSocketNotifier>
 
 #include <memory>
 #include <vector>
@@ -36,8 +35,6 @@ private:
         std::uint8_t depth;
     };
 
-    void readEvents();
-    void handleQueued();
     void handle(const xcb_generic_event_t &event);
     void handleClientMessage(const xcb_client_message_event_t &message);
     void handleReparent(const xcb_reparent_notify_event_t &event);
@@ -54,7 +51,7 @@ private:
     std::vector<std::uint32_t> overBackground() const;
 
     std::unique_ptr<X11Screen> m_screen;
-    std::unique_ptr<QSocketNotifier> m_notifier;
+    std::unique_ptr<X11Events> m_events;
     Listener *m_listener = nullptr;
     xcb_atom_t m_selection;
     xcb_atom_t m_managerMessage;

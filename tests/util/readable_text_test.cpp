@@ -1,4 +1,4 @@
-#include "views/ReadableText.h"
+#include "util/ReadableText.h"
 
 #include <gtest/gtest.h>
 

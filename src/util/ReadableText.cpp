@@ -1,4 +1,4 @@
-#include "views/ReadableText.h"
+#include "util/ReadableText.h"
 
 #include <QList>
 #include <QStringView>
