@@ -73,11 +73,12 @@ set(PULSEBAR_TEST_ENVIRONMENT
   "UBSAN_OPTIONS=print_stacktrace=1"
   "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0")
 
-# pulsebar_test(name [QT] SOURCES ... LIBS ... [MAIN lib] [LABEL label] [TIMEOUT seconds] [ENVIRONMENT NAME=value ...]):
+# pulsebar_test(name [QT] [SERIAL] SOURCES ... LIBS ... [MAIN lib] [LABEL label] [TIMEOUT seconds] [ENVIRONMENT NAME=value ...]):
 # a GoogleTest program whose cases are separate CTest tests. The label is "quick" unless said otherwise
 # ("e2e": the real program on a private bus and display). MAIN replaces gtest_main (a Qt program brings its own).
+# SERIAL: nothing else runs beside its cases, which depend on how soon a window manager answers.
 function(pulsebar_test name)
-  cmake_parse_arguments(arg "QT" "MAIN;LABEL;TIMEOUT" "SOURCES;LIBS;ENVIRONMENT" ${ARGN})
+  cmake_parse_arguments(arg "QT;SERIAL" "MAIN;LABEL;TIMEOUT" "SOURCES;LIBS;ENVIRONMENT" ${ARGN})
   if(NOT arg_MAIN)
     set(arg_MAIN GTest::gtest_main)
   endif()
@@ -87,13 +88,16 @@ function(pulsebar_test name)
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 60)
   endif()
+  if(NOT arg_SERIAL)
+    set(arg_SERIAL FALSE)
+  endif()
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE pulsebar_options ${arg_LIBS} GTest::gmock GTest::gtest ${arg_MAIN})
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests" "${PROJECT_SOURCE_DIR}/helpers")
   target_compile_definitions(${name} PRIVATE PULSEBAR_FIXTURES="${PROJECT_SOURCE_DIR}/tests/fixtures")
   set_target_properties(${name} PROPERTIES AUTOMOC ${arg_QT} RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests")
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
-    PROPERTIES LABELS ${arg_LABEL} TIMEOUT ${arg_TIMEOUT}
+    PROPERTIES LABELS ${arg_LABEL} TIMEOUT ${arg_TIMEOUT} RUN_SERIAL ${arg_SERIAL}
     ENVIRONMENT "${PULSEBAR_TEST_ENVIRONMENT};${arg_ENVIRONMENT}")
 endfunction()
 

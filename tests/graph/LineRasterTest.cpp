@@ -114,7 +114,9 @@ int countedCoverage(int x, int y, const QVector<QPointF> &points, double width)
     constexpr int places = 8;
     int covered = 0;
     for (int i = 0; i < places * places; ++i) {
-        const QPointF at(x + (i % places + 0.5) / places, y + (i / places + 0.5) / places);
+        const int row = i / places;
+        const int column = i % places;
+        const QPointF at(x + (column + 0.5) / places, y + (row + 0.5) / places);
         bool inside = false;
         for (qsizetype j = 1; j < points.size() && !inside; ++j) {
             const auto [left, right] = std::minmax({points[j - 1].x(), points[j].x()});

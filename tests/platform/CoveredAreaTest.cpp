@@ -48,6 +48,7 @@ TEST(CoveredArea, GivesUpOnVeryManyPieces)
 {
     const auto withDots = [](int count) {
         std::vector<QRect> above;
+        above.reserve(std::size_t(count) + 1);
         for (int dot = 0; dot < count; ++dot)
             above.emplace_back(101 + dot % 90 * 2, 101 + dot / 90 * 2, 1, 1);
         above.push_back(window);

@@ -453,6 +453,8 @@ TEST_F(GraphTest, ItsSettingPanelOpensAndRemembersItsPlace)
     EXPECT_TRUE(program.waitForFrame(title, place))
         << testing::PrintToString(display().frame(s(title))) << " instead of "
         << testing::PrintToString(place);
+    // What it knows of the frame around the panel is what it stores.
+    ASSERT_TRUE(program.waitForSamples(3));
     EXPECT_EQ(program.quit(), 0);
     EXPECT_TRUE(isStored("\nViewSettingWindow_CPUTotalUsage=")) << desktop().settings().constData();
 

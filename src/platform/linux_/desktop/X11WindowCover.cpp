@@ -65,6 +65,7 @@ private:
     Rects readOpaqueRegion(xcb_window_t window) const;
     std::optional<QRect> placeOf(xcb_window_t window) const;
     bool isPutAway(xcb_window_t window) const;
+    bool hasAnotherState(xcb_window_t window) const;
 
     void handle(const xcb_generic_event_t &event);
     void handleProperty(const xcb_property_notify_event_t &event);
@@ -286,13 +287,16 @@ void X11WindowCover::handleProperty(const xcb_property_notify_event_t &event)
             m_stacking.reset();
             forgetAnswers();
         }
-    } else if (event.atom == m_opacity || event.atom == m_opaqueRegion) {
-        forget(event.window);
-    } else if (event.atom == m_state &&
-               isPutAway(event.window) != m_putAway.contains(event.window)) {
-        // A window manager sets it, too, for a window that it just mapped, and to what it was.
+    } else if (event.atom == m_opacity || event.atom == m_opaqueRegion ||
+               (event.atom == m_state && hasAnotherState(event.window))) {
         forget(event.window);
     }
+}
+
+/// A window manager sets the state, too, of a window that it just mapped, and to what it was.
+bool X11WindowCover::hasAnotherState(xcb_window_t window) const
+{
+    return isPutAway(window) != m_putAway.contains(window);
 }
 
 /// It is watched again when it is looked at again, so that nothing is told of windows that no
