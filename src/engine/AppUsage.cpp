@@ -54,20 +54,38 @@ void AppUsage::calcMinuteAppUsage(const QVariantList &processList, int maximum)
     }
 }
 
-const AppUsage::Info *AppUsage::find(const QString &key) const
+/// Of several processes of one name the busiest is meant: who watches a browser's helpers by their
+/// name wants to hear of the one that runs wild. Equals go by their keys, so that the answer is the
+/// same at every call.
+AppUsage::Infos::const_iterator AppUsage::find(const QString &key) const
 {
     auto found = m_infos.constFind(key);
-    for (auto it = m_infos.begin(); found == m_infos.end() && it != m_infos.end(); ++it) {
-        if (substringFrom(it.key(), separator()) == key)
+    if (found != m_infos.cend())
+        return found;
+    double most = 0.0;
+    for (auto it = m_infos.cbegin(); it != m_infos.cend(); ++it) {
+        if (substringFrom(it.key(), separator()) != key)
+            continue;
+        const double average = it->usageInfo.value(QStringLiteral("AverageValue")).toDouble();
+        const bool isFirst = found == m_infos.cend();
+        if (isFirst || average > most || (average == most && it.key() < found.key())) {
             found = it;
+            most = average;
+        }
     }
-    return found == m_infos.end() ? nullptr : &found.value();
+    return found;
+}
+
+QString AppUsage::processKeyFor(const QString &key) const
+{
+    const auto info = find(key);
+    return info != m_infos.cend() ? info.key() : QString();
 }
 
 std::optional<QVariantMap> AppUsage::usageInfoDictForKey(const QString &key) const
 {
-    const Info *info = find(key);
-    if (!info)
+    const auto info = find(key);
+    if (info == m_infos.cend())
         return std::nullopt;
     return QVariantMap{{QStringLiteral("usageCache"), info->usageCache},
                        {QStringLiteral("usageInfo"), info->usageInfo}};
@@ -75,14 +93,14 @@ std::optional<QVariantMap> AppUsage::usageInfoDictForKey(const QString &key) con
 
 QVariantMap AppUsage::usageInfoForKey(const QString &key) const
 {
-    const Info *info = find(key);
-    return info ? info->usageInfo : QVariantMap();
+    const auto info = find(key);
+    return info != m_infos.cend() ? info->usageInfo : QVariantMap();
 }
 
 std::optional<UsageCache> AppUsage::usageCacheForKey(const QString &key) const
 {
-    const Info *info = find(key);
-    if (!info)
+    const auto info = find(key);
+    if (info == m_infos.cend())
         return std::nullopt;
     return info->usageCache;
 }

@@ -24,8 +24,11 @@ public:
 
     /// "usageCache" (the shares as float, fractions) and "usageInfo" (the newest minute-stats
     /// record, with the record before's "AverageValue" as "lastAverage", a float).
-    /// @param key a process key, or a process name: then one process of that name is answered
+    /// @param key a process key, or a process name: then that process of the name is answered which
+    ///        used most during the last minute
     std::optional<QVariantMap> usageInfoDictForKey(const QString &key) const;
+    /// The process key of the one that is answered; empty when it is unknown. Key as above.
+    QString processKeyFor(const QString &key) const;
 
     /// The newest record of a process, empty when it is unknown. Key as above.
     QVariantMap usageInfoForKey(const QString &key) const;
@@ -40,9 +43,10 @@ private:
         UsageCache usageCache;
         QVariantMap usageInfo;
     };
-    const Info *find(const QString &key) const;
+    using Infos = QHash<QString, Info>;
+    Infos::const_iterator find(const QString &key) const;
 
-    QHash<QString, Info> m_infos; ///< by process key
+    Infos m_infos; ///< by process key
 };
 
 } // namespace pulsebar

@@ -313,6 +313,11 @@ std::optional<QVariantMap> TopMonitor::usageInfoDictForKey(const QString &key) c
     return m_appUsage->usageInfoDictForKey(key);
 }
 
+QString TopMonitor::processKeyFor(const QString &key) const
+{
+    return m_appUsage->processKeyFor(key);
+}
+
 std::optional<UsageCache> TopMonitor::cacheDataForKey(const QString &graphKey) const
 {
     return pulsebar::cacheDataForKey(*m_caches, *m_appUsage, graphKey);

@@ -141,6 +141,9 @@ public:
     void calcMinuteAppUsage(const QVariantList &processList);
     /// The record of a process ("usageCache", "usageInfo") by process key "PID//name" or by name.
     std::optional<QVariantMap> usageInfoDictForKey(const QString &key) const;
+    /// The process key of whom that record is, empty when there is none: of several processes of a
+    /// name it is the busiest.
+    QString processKeyFor(const QString &key) const;
     /// The usage cache behind a graph key ("CPUTotalUsage", "CPUUsage__CPU1",
     /// "Network__NetworkInMinuteStats", "CPUUsage__123//name", ...); absent when there is none.
     std::optional<UsageCache> cacheDataForKey(const QString &graphKey) const;

@@ -50,6 +50,27 @@ TEST(AppUsage, FindsAProcessByItsNameAlone)
     EXPECT_FALSE(usage.usageCacheForKey(QString()));
 }
 
+TEST(AppUsage, OfOneNameTheBusiestIsMeant)
+{
+    AppUsage usage;
+    const QString name = QStringLiteral("helper");
+    EXPECT_EQ(usage.processKeyFor(name), QString());
+    for (int round = 0; round < 2; ++round) {
+        QVariantList processes;
+        for (int pid = 1; pid <= 20; ++pid) {
+            const QString share = pid == 13 ? QStringLiteral("0.9") : QStringLiteral("0.1");
+            processes += QVariantMap{{QStringLiteral("PID"), QString::number(pid)},
+                                     {QStringLiteral("ProcessName"), name},
+                                     {QStringLiteral("CPUUsage"), share}};
+        }
+        usage.calcMinuteAppUsage(processes, 3);
+    }
+    EXPECT_EQ(usage.processKeyFor(name), QStringLiteral("13//helper"));
+    EXPECT_EQ(usage.usageCacheForKey(name), (UsageCache{0.9F, 0.9F}));
+    EXPECT_EQ(usage.usageInfoForKey(name), infoOf(usage, QStringLiteral("13//helper")));
+    EXPECT_EQ(usage.processKeyFor(QStringLiteral("7//helper")), QStringLiteral("7//helper"));
+}
+
 TEST(AppUsage, AnEntryWithoutANumberGoesByItsNameAndOneWithoutANameIsSkipped)
 {
     AppUsage usage;
