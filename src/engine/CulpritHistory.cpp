@@ -88,7 +88,7 @@ QList<CulpritSample> CulpritHistory::since(quint32 seconds, qint64 now) const
     const qint64 first = now - static_cast<qint64>(seconds) * 1000;
     QList<CulpritSample> samples;
     for (const CulpritSample &sample : m_samples) {
-        if (sample.time >= first)
+        if (sample.time >= first && sample.time <= now)
             samples += sample;
     }
     return samples;

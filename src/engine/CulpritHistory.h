@@ -56,7 +56,8 @@ public:
     ///        the clock was set back, nothing goes for that.
     void add(const QVariantMap &sample, qint64 time);
 
-    /// The samples not older than `seconds` before `now`, oldest first.
+    /// The samples not older than `seconds` before `now`, oldest first. Those of a time to come, as
+    /// there are after the clock was set back, are of no use to whoever asks by time.
     QList<CulpritSample> since(quint32 seconds, qint64 now) const;
     /// The nth sample counted from the newest, which is 0; absent beyond the oldest.
     std::optional<CulpritSample> newest(std::size_t back = 0) const;

@@ -89,6 +89,8 @@ TEST(CulpritHistory, AClockSetBackLosesNothing)
     history.add(sampleOf(0.2, {}), 1'000);
     EXPECT_EQ(history.size(), 2U);
     EXPECT_EQ(history.newest()->total, 0.2);
+    ASSERT_EQ(history.since(600, 2'000).size(), 1);
+    EXPECT_EQ(history.since(600, 2'000).constFirst().total, 0.2);
 }
 
 TEST(CulpritHistory, AnswersTheLastSeconds)
