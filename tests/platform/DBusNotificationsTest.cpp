@@ -224,6 +224,29 @@ TEST_F(DBusNotificationsTest, SaysWhenTheServerRefuses)
     ASSERT_TRUE(waitFor([&] { return notes.notShown == QStringList{kKey}; }));
 }
 
+TEST_F(DBusNotificationsTest, AServerThatGivesNoNumberHasShownNothing)
+{
+    NotificationServer server(desktop.bus());
+    server.sameNumber = 0;
+    notifications->show(kKey, text("first"));
+    ASSERT_TRUE(waitFor([&] { return notes.notShown == QStringList{kKey}; }));
+}
+
+TEST_F(DBusNotificationsTest, AnActionCountsForTheLastToWhomTheNumberWasGiven)
+{
+    NotificationServer server(desktop.bus());
+    server.sameNumber = 7;
+    QStringList keys;
+    for (int i = 0; i < 8; ++i) {
+        keys += s("alert-%1").arg(i);
+        notifications->show(keys.constLast(), text("busy"));
+        shown(server, i + 1);
+    }
+    server.choose(7, s("quit"));
+    ASSERT_TRUE(waitFor([&] { return !notes.actions.isEmpty(); }));
+    EXPECT_EQ(notes.actions, QStringList{keys.constLast() + s(" quit")});
+}
+
 TEST_F(DBusNotificationsTest, AServerThatGoesTakesItsNotificationsAlong)
 {
     auto server = std::make_unique<NotificationServer>(desktop.bus());

@@ -53,7 +53,7 @@ uint NotificationServer::Notify(const QString &program, uint replaces, const QSt
         sendErrorReply(QDBusError::LimitsExceeded, QStringLiteral("too many notifications"));
         return 0;
     }
-    const uint id = replaces != 0 ? replaces : ++m_last;
+    const uint id = sameNumber.value_or(replaces != 0 ? replaces : ++m_last);
     const ShownNotification shown{id,   replaces, program, icon,   summary,
                                   body, actions,  hints,   timeout};
     all += shown;

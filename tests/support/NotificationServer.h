@@ -8,6 +8,8 @@
 #include <QVariantMap>
 #include <QVector>
 
+#include <optional>
+
 namespace pulsebar::testing {
 
 /// What a program asked to be shown.
@@ -44,6 +46,8 @@ public:
     QStringList abilities{QStringLiteral("body"), QStringLiteral("body-markup"),
                           QStringLiteral("actions")};
     bool refuses = false;
+    /// The number that every notification is given, be it a good one or not.
+    std::optional<uint> sameNumber;
 
     /// As when the user chooses an action; the notification is closed by that.
     void choose(uint id, const QString &action);

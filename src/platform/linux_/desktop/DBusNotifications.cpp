@@ -168,14 +168,20 @@ QVariantList DBusNotifications::argumentsFor(quint32 id, const Notification &not
 
 void DBusNotifications::taken(const QString &key, const QDBusMessage &reply)
 {
-    if (reply.type() != QDBusMessage::ReplyMessage) {
+    // No notification has the number 0; an error has no number at all.
+    const quint32 id = reply.arguments().value(0).toUInt();
+    if (reply.type() != QDBusMessage::ReplyMessage || id == 0) {
         qCWarning(logNotifications) << "a notification was refused:" << reply.errorMessage();
         fail(key);
         return;
     }
+    // A number names one notification: a click on it must not count for another alarm.
+    const QString before = keyOf(id);
+    if (!before.isEmpty())
+        m_shown[before].id = 0;
     Shown &shown = m_shown[key];
     shown.asking = false;
-    shown.id = reply.arguments().value(0).toUInt();
+    shown.id = id;
     if (shown.withdrawn)
         withdraw(key);
     else
