@@ -1,11 +1,13 @@
 #include "controller/AlertListText.h"
 
 #include "menu/AlertRule.h"
+#include "util/Values.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
 #include <cmath>
 
 namespace pulsebar::alertlist {
@@ -81,6 +83,30 @@ QString textOf(const QJsonArray &array)
     return QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact));
 }
 
+/// Lists and dictionaries within each other; 0 for what is neither.
+int depthOf(const QVariant &value)
+{
+    const bool isList = value.typeId() == QMetaType::QVariantList;
+    if (!isList && !isDictionary(value))
+        return 0;
+    const QVariantList members = isList ? value.toList() : value.toMap().values();
+    int inner = 0;
+    for (const QVariant &member : members)
+        inner = std::max(inner, depthOf(member));
+    return inner + 1;
+}
+
+/// Bytes from the bus have no text in JSON, but are kept while the program runs.
+qsizetype sizeOfBytes(const QVariantMap &dictionary)
+{
+    qsizetype size = 0;
+    for (auto it = dictionary.begin(); it != dictionary.end(); ++it) {
+        if (it->typeId() == QMetaType::QByteArray)
+            size += it.key().size() + it->toByteArray().size();
+    }
+    return size;
+}
+
 /// Why an entry is left out; empty when it is sound.
 QString problemOf(const QVariant &entry)
 {
@@ -89,7 +115,10 @@ QString problemOf(const QVariant &entry)
     const QVariantMap dictionary = entry.toMap();
     if (!alertRuleFromEntry(dictionary))
         return QStringLiteral("its type, threshold, duration or names are of no use");
-    if (QJsonDocument(jsonObject(dictionary)).toJson(QJsonDocument::Compact).size() > kLongestEntry)
+    if (depthOf(entry) > kDeepestEntry)
+        return QStringLiteral("it has more than %1 levels").arg(kDeepestEntry);
+    if (sizeOfBytes(dictionary) > kLongestEntry ||
+        QJsonDocument(jsonObject(dictionary)).toJson(QJsonDocument::Compact).size() > kLongestEntry)
         return QStringLiteral("it is longer than %1 bytes").arg(kLongestEntry);
     return {};
 }
@@ -100,9 +129,12 @@ SoundEntries soundEntries(const QVariantList &entries)
 {
     SoundEntries sound;
     for (qsizetype i = 0; i < entries.size(); ++i) {
-        QString problem = problemOf(entries.at(i));
-        if (problem.isEmpty() && sound.entries.size() == kMostAlerts)
-            problem = QStringLiteral("there are %1 before it").arg(kMostAlerts);
+        if (sound.entries.size() == kMostAlerts || sound.problems.size() == kMostAlerts) {
+            sound.problems +=
+                QStringLiteral("Alerts from %1 on are left out: there are too many.").arg(i + 1);
+            break;
+        }
+        const QString problem = problemOf(entries.at(i));
         if (problem.isEmpty())
             sound.entries += entries.at(i);
         else

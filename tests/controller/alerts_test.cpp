@@ -75,7 +75,38 @@ TEST(AlertListText, SixtyFourEntriesAreEnough)
         entries += cpuEntry(i);
     const alertlist::SoundEntries sound = alertlist::soundEntries(entries);
     EXPECT_EQ(sound.entries, entries.first(64));
-    EXPECT_EQ(sound.problems.size(), 6);
+    EXPECT_EQ(sound.problems,
+              QStringList{s("Alerts from 65 on are left out: there are too many.")});
+}
+
+TEST(AlertListText, AFileOfBrokenEntriesFillsNoLog)
+{
+    QVariantList entries(10'000, QVariant(7));
+    entries += cpuEntry(1);
+    const alertlist::SoundEntries sound = alertlist::soundEntries(entries);
+    EXPECT_TRUE(sound.entries.isEmpty());
+    EXPECT_EQ(sound.problems.size(), 65);
+}
+
+TEST(AlertListText, WhatTheBusCouldNotCarryIsLeftOut)
+{
+    const auto nested = [](int levels) {
+        return cpuEntry(
+            1,
+            {{s("note"),
+              alertlist::entriesFromText(QString(levels, u'[') + QString(levels, u']')).value()}});
+    };
+    EXPECT_EQ(alertlist::soundEntries({nested(15)}).entries.size(), 1);
+    EXPECT_TRUE(alertlist::soundEntries({nested(16)}).entries.isEmpty());
+    EXPECT_TRUE(alertlist::soundEntries({nested(1000)}).entries.isEmpty());
+}
+
+TEST(AlertListText, BytesThatJsonDoesNotHoldCountToo)
+{
+    const QByteArray half(alertlist::kLongestEntry / 2, 'x');
+    const QVariantMap small = cpuEntry(1, {{s("a"), half}});
+    const QVariantMap large = cpuEntry(2, {{s("a"), half}, {s("b"), half}});
+    EXPECT_EQ(alertlist::soundEntries({small, large}).entries, QVariantList{small});
 }
 
 class AlertsTest : public testing::Test
