@@ -1,21 +1,13 @@
 #include "engine/HardwareEvents.h"
 
+#include "util/ObserveEntry.h"
 #include "util/Values.h"
 
 namespace pulsebar {
 
 namespace {
 
-enum ObservedType {
-    CpuLoad = 10,
-    Network = 11,
-    Battery = 12,
-    ProcessShare = 15,
-    Temperature = 17,
-    Fans = 18,
-};
-
-enum BatteryTrigger { PercentThreshold = 0, CablePluggedIn = 1, CableUnplugged = 2 };
+using namespace observed;
 
 float threshold(const QVariantMap &entry)
 {

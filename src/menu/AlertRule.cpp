@@ -2,8 +2,10 @@
 
 #include "util/DecimalText.h"
 #include "util/Localisation.h"
+#include "util/ObserveEntry.h"
 #include "util/PlainLine.h"
 #include "util/Sizes.h"
+#include "util/TemperatureScale.h"
 #include "util/Text.h"
 #include "util/Values.h"
 
@@ -15,27 +17,17 @@ namespace pulsebar {
 
 namespace {
 
-/// The values of "type".
-enum ObservedType {
-    CpuLoad = 10,
-    Network = 11,
-    Battery = 12,
-    ProcessShare = 15,
-    Temperature = 17,
-    Fans = 18,
-};
-
 /// Beyond what any figure reaches; keeps texts short and whole numbers exact.
 constexpr double kLargestThreshold = 1e15;
 
 std::optional<AlertSubject> batterySubject(const QVariantMap &entry)
 {
     switch (intValueForKey(entry, QStringLiteral("batteryTriggerEventType"))) {
-    case 0:
+    case observed::PercentThreshold:
         return AlertSubject::BatteryPercent;
-    case 1:
+    case observed::CablePluggedIn:
         return AlertSubject::CablePluggedIn;
-    case 2:
+    case observed::CableUnplugged:
         return AlertSubject::CableUnplugged;
     default:
         return std::nullopt;
@@ -45,19 +37,19 @@ std::optional<AlertSubject> batterySubject(const QVariantMap &entry)
 std::optional<AlertSubject> subjectOf(const QVariantMap &entry)
 {
     switch (intValueForKey(entry, QStringLiteral("type"))) {
-    case CpuLoad:
+    case observed::CpuLoad:
         return AlertSubject::CpuLoad;
-    case Network:
+    case observed::Network:
         return intValueForKey(entry, QStringLiteral("networkTriggerDataType")) == 0
                    ? AlertSubject::NetworkOut
                    : AlertSubject::NetworkIn;
-    case Battery:
+    case observed::Battery:
         return batterySubject(entry);
-    case ProcessShare:
+    case observed::ProcessShare:
         return AlertSubject::ProcessShare;
-    case Temperature:
+    case observed::Temperature:
         return AlertSubject::Temperature;
-    case Fans:
+    case observed::Fans:
         return AlertSubject::Fans;
     default:
         return std::nullopt;
@@ -68,22 +60,34 @@ int typeOf(AlertSubject subject)
 {
     switch (subject) {
     case AlertSubject::CpuLoad:
-        return CpuLoad;
+        return observed::CpuLoad;
     case AlertSubject::NetworkIn:
     case AlertSubject::NetworkOut:
-        return Network;
+        return observed::Network;
     case AlertSubject::BatteryPercent:
     case AlertSubject::CablePluggedIn:
     case AlertSubject::CableUnplugged:
-        return Battery;
+        return observed::Battery;
     case AlertSubject::ProcessShare:
-        return ProcessShare;
+        return observed::ProcessShare;
     case AlertSubject::Temperature:
-        return Temperature;
+        return observed::Temperature;
     case AlertSubject::Fans:
-        return Fans;
+        return observed::Fans;
     }
     return 0;
+}
+
+int triggerOf(AlertSubject subject)
+{
+    switch (subject) {
+    case AlertSubject::CablePluggedIn:
+        return observed::CablePluggedIn;
+    case AlertSubject::CableUnplugged:
+        return observed::CableUnplugged;
+    default:
+        return observed::PercentThreshold;
+    }
 }
 
 QString partKey(AlertSubject subject)
@@ -170,6 +174,24 @@ QString conditionText(const AlertRule &rule, bool fahrenheit)
                        : localizedFormat(QStringLiteral("%@ below %@"), what, limit);
 }
 
+/// A value crosses a threshold only where there is room on the other side of it.
+QString thresholdProblem(const AlertRule &rule)
+{
+    const AlertThresholdRange range = alertThresholdRange(rule.subject, false);
+    const QString least = withDecimalPoint(decimalText(range.least));
+    const QString most = withDecimalPoint(decimalText(range.most));
+    if (!(rule.threshold >= range.least && rule.threshold <= range.most))
+        return localizedFormat(QStringLiteral("The threshold must lie between %@ and %@."), least,
+                               most);
+    if (rule.rising && rule.threshold == range.least)
+        return localizedFormat(
+            QStringLiteral("The threshold must be above %@ for a value to rise to it."), least);
+    if (!rule.rising && rule.threshold == range.most)
+        return localizedFormat(
+            QStringLiteral("The threshold must be below %@ for a value to fall to it."), most);
+    return {};
+}
+
 } // namespace
 
 bool AlertRule::watchesLike(const AlertRule &other) const
@@ -189,6 +211,17 @@ bool AlertRule::needsPart() const
     return subject == AlertSubject::ProcessShare || subject == AlertSubject::Temperature;
 }
 
+AlertRule alertRuleInScale(AlertRule rule, bool fahrenheit)
+{
+    static constexpr double kTenth = 10.0;
+    if (rule.subject != AlertSubject::Temperature)
+        return rule;
+    const double converted =
+        fahrenheit ? shownInFahrenheit(rule.threshold) : celsiusFromShown(rule.threshold);
+    rule.threshold = std::round(converted * kTenth) / kTenth;
+    return rule;
+}
+
 std::optional<AlertRule> alertRuleFromEntry(const QVariantMap &entry)
 {
     const std::optional<AlertSubject> subject = subjectOf(entry);
@@ -200,7 +233,9 @@ std::optional<AlertRule> alertRuleFromEntry(const QVariantMap &entry)
     AlertRule rule;
     rule.subject = *subject;
     rule.rising = intValueForKey(entry, QStringLiteral("observeType")) == 0;
-    rule.threshold = doubleValue(threshold);
+    // Rates are compared as whole bytes, and read so: "1e5" is one byte.
+    rule.threshold =
+        isNetwork(*subject) ? static_cast<double>(longValue(threshold)) : doubleValue(threshold);
     if (rule.needsPart())
         rule.part = entry.value(partKey(*subject)).toString();
     rule.duration = intValue(duration);
@@ -211,17 +246,14 @@ std::optional<AlertRule> alertRuleFromEntry(const QVariantMap &entry)
 
 QVariantMap entryWithAlertRule(const AlertRule &rule, QVariantMap entry)
 {
-    const bool isBattery = typeOf(rule.subject) == Battery;
+    const bool isBattery = typeOf(rule.subject) == observed::Battery;
     entry.insert(QStringLiteral("type"), typeOf(rule.subject));
     entry.insert(QStringLiteral("observeType"), rule.rising ? 0 : 1);
     setOrRemove(entry, QStringLiteral("threshold"), thresholdValue(rule.threshold),
                 !rule.watchesCable());
     setOrRemove(entry, QStringLiteral("networkTriggerDataType"),
                 rule.subject == AlertSubject::NetworkOut ? 0 : 1, isNetwork(rule.subject));
-    setOrRemove(entry, QStringLiteral("batteryTriggerEventType"),
-                rule.subject == AlertSubject::CablePluggedIn   ? 1
-                : rule.subject == AlertSubject::CableUnplugged ? 2
-                                                               : 0,
+    setOrRemove(entry, QStringLiteral("batteryTriggerEventType"), triggerOf(rule.subject),
                 isBattery);
     for (const AlertSubject subject : {AlertSubject::ProcessShare, AlertSubject::Temperature})
         setOrRemove(entry, partKey(subject), rule.part, subject == rule.subject);
@@ -244,7 +276,7 @@ AlertThresholdRange alertThresholdRange(AlertSubject subject, bool fahrenheit)
     case AlertSubject::ProcessShare:
         return {0, 100.0 * 1024, 5, 50, 1};
     case AlertSubject::Temperature:
-        return {-100, 1000, 1, fahrenheit ? 176.0 : 80.0, 1};
+        return {-100, 1000, 1, fahrenheit ? 200.0 : 80.0, 1};
     case AlertSubject::Fans:
         return {0, 100000, 100, 3000, 0};
     case AlertSubject::CablePluggedIn:
@@ -256,15 +288,13 @@ AlertThresholdRange alertThresholdRange(AlertSubject subject, bool fahrenheit)
 
 QString alertProblem(const AlertRule &rule)
 {
-    const AlertThresholdRange range = alertThresholdRange(rule.subject, false);
     if (rule.subject == AlertSubject::ProcessShare && rule.part.trimmed().isEmpty())
         return localizedString(QStringLiteral("Name the process."));
     if (rule.subject == AlertSubject::Temperature && rule.part.trimmed().isEmpty())
         return localizedString(QStringLiteral("Choose a sensor."));
-    if (!rule.watchesCable() && !(rule.threshold >= range.least && rule.threshold <= range.most))
-        return localizedFormat(QStringLiteral("The threshold must lie between %@ and %@."),
-                               withDecimalPoint(decimalText(range.least)),
-                               withDecimalPoint(decimalText(range.most)));
+    const QString wrongThreshold = rule.watchesCable() ? QString() : thresholdProblem(rule);
+    if (!wrongThreshold.isEmpty())
+        return wrongThreshold;
     if (rule.duration < 0 || rule.duration > AlertRule::kLongestDuration)
         return localizedFormat(QStringLiteral("The duration must lie between %d and %d seconds."),
                                0, AlertRule::kLongestDuration);

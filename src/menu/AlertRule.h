@@ -28,6 +28,8 @@ enum class AlertSubject {
 struct AlertRule
 {
     static constexpr int kLongestDuration = 24 * 60 * 60;
+    /// What a new alert begins with.
+    static constexpr int kUsualDuration = 20;
     /// Longest name, process name and sensor name, in characters.
     static constexpr int kLongestText = 256;
 
@@ -46,6 +48,11 @@ struct AlertRule
     /// ProcessShare and Temperature.
     bool needsPart() const;
 };
+
+/// The same condition in the other scale of temperatures, to a tenth of a degree; rules of other
+/// subjects as they are.
+/// @param fahrenheit the scale that is wanted; the rule is in the other one
+AlertRule alertRuleInScale(AlertRule rule, bool fahrenheit);
 
 /// Reads an entry. Numbers may be texts, as from a settings file.
 /// @return absent for a broken entry: an unknown "type" or "batteryTriggerEventType", a threshold
@@ -68,7 +75,7 @@ struct AlertThresholdRange
 AlertThresholdRange alertThresholdRange(AlertSubject subject, bool fahrenheit);
 
 /// Why a rule cannot be used, in the user's language; empty when it can. Stricter than
-/// alertRuleFromEntry(): the threshold must lie in its range.
+/// alertRuleFromEntry(): the threshold must lie in its range, and where a value can cross it.
 QString alertProblem(const AlertRule &rule);
 
 // Texts in the user's language, on one line.

@@ -1,6 +1,7 @@
 #include "sensors/Temperatures.h"
 
 #include "sensors/smc/Smc.h"
+#include "util/TemperatureScale.h"
 
 #include <algorithm>
 
@@ -16,12 +17,6 @@ constexpr const char *CpuDieFallbacks[] = {"TC0F", "TCAH", "TC0H"};
 
 const QString NameKey = QStringLiteral("Key");
 const QString SmcKeyKey = QStringLiteral("SMCKey");
-
-/// Not the usual conversion: the one that has always been shown.
-double inFahrenheit(double degrees)
-{
-    return (degrees + 32.0) / 5.0 * 9.0;
-}
 
 } // namespace
 
@@ -74,7 +69,8 @@ void Temperatures::measure(Sensor &sensor, SmcTransport &smc, bool fahrenheit, Q
         sensor.answered = true;
     }
     if (reading.degrees > 0.0)
-        sample.insert(sensor.name, fahrenheit ? inFahrenheit(reading.degrees) : reading.degrees);
+        sample.insert(sensor.name,
+                      fahrenheit ? shownInFahrenheit(reading.degrees) : reading.degrees);
 }
 
 Temperatures::Reading Temperatures::read(const Sensor &sensor, SmcTransport &smc) const

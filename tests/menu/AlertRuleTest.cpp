@@ -37,6 +37,11 @@ AlertRule partRule(AlertSubject subject, const char *part, double threshold)
     return made;
 }
 
+bool isRate(AlertSubject subject)
+{
+    return subject == AlertSubject::NetworkIn || subject == AlertSubject::NetworkOut;
+}
+
 class AlertRuleTest : public testing::Test
 {
 protected:
@@ -117,13 +122,37 @@ TEST_F(AlertRuleTest, BrokenEntriesAreNoRules)
         EXPECT_FALSE(alertRuleFromEntry(broken[i])) << i;
 }
 
+TEST_F(AlertRuleTest, RatesAreReadAsTheyAreCompared)
+{
+    const auto rate = [](const QVariant &threshold) {
+        return alertRuleFromEntry(entry(11, {{s("threshold"), threshold}}))->threshold;
+    };
+    EXPECT_EQ(rate(1000.7), 1000);
+    EXPECT_EQ(rate(s("1000.7")), 1000);
+    EXPECT_EQ(rate(s("1e5")), 1);
+    EXPECT_FALSE(alertRuleFromEntry(entry(11, {{s("threshold"), 1e300}})));
+}
+
+TEST_F(AlertRuleTest, TheOtherScaleOfTemperatures)
+{
+    const AlertRule hot = partRule(AlertSubject::Temperature, "CPU Die", 50);
+    EXPECT_EQ(alertRuleInScale(hot, true).threshold, 147.6); // as readings are shown
+    EXPECT_EQ(alertRuleInScale(alertRuleInScale(hot, true), false), hot);
+    for (int tenths = -1000; tenths <= 2000; ++tenths) {
+        const AlertRule one = partRule(AlertSubject::Temperature, "x", tenths / 10.0);
+        EXPECT_EQ(alertRuleInScale(alertRuleInScale(one, true), false), one);
+    }
+    const AlertRule busy = rule(AlertSubject::CpuLoad, true, 50);
+    EXPECT_EQ(alertRuleInScale(busy, true), busy);
+}
+
 TEST_F(AlertRuleTest, AWrittenRuleReadsBack)
 {
     QVector<AlertRule> rules;
     for (const AlertSubject subject :
          {AlertSubject::CpuLoad, AlertSubject::NetworkIn, AlertSubject::NetworkOut,
           AlertSubject::BatteryPercent, AlertSubject::Fans})
-        rules << rule(subject, true, 62.5, 20) << rule(subject, false, 7);
+        rules << rule(subject, true, isRate(subject) ? 62 : 62.5, 20) << rule(subject, false, 7);
     rules << rule(AlertSubject::CablePluggedIn, true, 0)
           << rule(AlertSubject::CableUnplugged, true, 0, 5)
           << partRule(AlertSubject::ProcessShare, "a b", 1)
@@ -227,6 +256,12 @@ TEST_F(AlertRuleTest, AnEditorIsToldWhatIsWrong)
               s("The threshold must lie between 0 and 100."));
     EXPECT_EQ(alertProblem(rule(AlertSubject::CpuLoad, true, std::nan(""))),
               s("The threshold must lie between 0 and 100."));
+    EXPECT_EQ(alertProblem(rule(AlertSubject::CpuLoad, true, 0)),
+              s("The threshold must be above 0 for a value to rise to it."));
+    EXPECT_EQ(alertProblem(rule(AlertSubject::CpuLoad, false, 0)), QString());
+    EXPECT_EQ(alertProblem(rule(AlertSubject::BatteryPercent, false, 100)),
+              s("The threshold must be below 100 for a value to fall to it."));
+    EXPECT_EQ(alertProblem(rule(AlertSubject::BatteryPercent, true, 100)), QString());
     EXPECT_EQ(alertProblem(rule(AlertSubject::CablePluggedIn, true, 1e9)), QString());
     EXPECT_EQ(alertProblem(partRule(AlertSubject::ProcessShare, " ", 1)), s("Name the process."));
     EXPECT_EQ(alertProblem(partRule(AlertSubject::Temperature, "", 1)), s("Choose a sensor."));
