@@ -175,6 +175,10 @@ void AlertPanel::subjectChosen()
     m_threshold->setSubject(subject);
     m_threshold->setThreshold(alertThresholdRange(subject, m_fahrenheit).usual);
     m_direction->setCurrentIndex(subject == AlertSubject::BatteryPercent ? 1 : 0);
+    const bool wasCable = !m_form->isRowVisible(m_threshold);
+    // A cable is pulled in a moment.
+    if (rule().watchesCable() != wasCable)
+        m_duration->setValue(wasCable ? AlertRule::kUsualDuration : 0);
     showFieldsOf(rule());
     refresh();
 }
@@ -185,8 +189,6 @@ void AlertPanel::showFieldsOf(const AlertRule &rule)
     m_form->setRowVisible(m_sensor, rule.subject == AlertSubject::Temperature);
     m_form->setRowVisible(m_direction, !rule.watchesCable());
     m_form->setRowVisible(m_threshold, !rule.watchesCable());
-    // A cable is pulled in a moment.
-    m_form->setRowVisible(m_duration, !rule.watchesCable());
 }
 
 AlertRule AlertPanel::rule() const
@@ -195,11 +197,11 @@ AlertRule AlertPanel::rule() const
     rule.subject = static_cast<AlertSubject>(m_subject->currentData().toInt());
     rule.enabled = m_enabled;
     rule.name = m_name->text().trimmed();
+    rule.duration = m_duration->value();
     if (rule.watchesCable())
         return rule;
     rule.rising = m_direction->currentData().toBool();
     rule.threshold = m_threshold->threshold();
-    rule.duration = m_duration->value();
     if (rule.subject == AlertSubject::ProcessShare)
         rule.part = m_process->currentText().trimmed();
     if (rule.subject == AlertSubject::Temperature)
@@ -212,7 +214,9 @@ QString AlertPanel::problem() const
     const AlertRule now = rule();
     if (!now.watchesCable() && !m_threshold->isSound())
         return text("The threshold must be a number.");
-    if (!now.watchesCable() && !m_duration->hasAcceptableInput())
+    if (now.subject == AlertSubject::Temperature && m_sensor->count() == 0)
+        return text("There is no sensor to choose.");
+    if (!m_duration->hasAcceptableInput())
         return text("The duration must be a number of seconds.");
     return alertProblem(now);
 }

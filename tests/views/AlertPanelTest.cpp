@@ -94,9 +94,11 @@ TEST_F(AlertPanelTest, HandsBackEveryKindOfRuleAsItWas)
         m_accepted.reset();
     }
     for (const AlertSubject cable : {AlertSubject::CablePluggedIn, AlertSubject::CableUnplugged}) {
-        edit(ruleOf(cable, 0)).accept();
+        AlertRule rule = ruleOf(cable, 0);
+        rule.duration = 60;
+        edit(rule).accept();
         ASSERT_TRUE(m_accepted);
-        EXPECT_EQ(m_accepted->subject, cable);
+        EXPECT_EQ(*m_accepted, rule);
         m_accepted.reset();
     }
 }
@@ -147,6 +149,23 @@ TEST_F(AlertPanelTest, AnotherSubjectBeginsWithWhatIsUsualForIt)
     EXPECT_EQ(field<QDoubleSpinBox>("Threshold").text(), s("1000"));
 }
 
+TEST_F(AlertPanelTest, ACableIsToldAtOnceUnlessOneSaysOtherwise)
+{
+    AlertRule busy = ruleOf(AlertSubject::CpuLoad, 90);
+    busy.duration = 45;
+    edit(busy);
+    watch("Network in");
+    EXPECT_EQ(m_panel->rule().duration, 45);
+    watch("Power cable unplugged");
+    EXPECT_EQ(m_panel->rule().duration, 0);
+    EXPECT_TRUE(field<QSpinBox>("For at least").isVisible());
+    field<QSpinBox>("For at least").setValue(60);
+    watch("Power cable plugged in");
+    EXPECT_EQ(m_panel->rule().duration, 60);
+    watch("CPU load");
+    EXPECT_EQ(m_panel->rule().duration, AlertRule::kUsualDuration);
+}
+
 TEST_F(AlertPanelTest, SaysWhatIsWrongAsOneTypes)
 {
     edit(ruleOf(AlertSubject::ProcessShare, 50, "cc1plus"));
@@ -195,7 +214,7 @@ TEST_F(AlertPanelTest, WithoutSensorsThereIsNoneToChoose)
     edit.rule = ruleOf(AlertSubject::CpuLoad, 90);
     m_panel = std::make_unique<AlertPanel>(edit, [](const AlertRule &) {});
     watch("Temperature");
-    EXPECT_EQ(problem(), s("Choose a sensor."));
+    EXPECT_EQ(problem(), s("There is no sensor to choose."));
     // One that is asleep or unplugged now may be there tomorrow.
     this->edit(ruleOf(AlertSubject::Temperature, 80, "Disk of another day"));
     EXPECT_TRUE(ok().isEnabled());
