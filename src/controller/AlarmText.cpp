@@ -15,6 +15,16 @@ namespace {
 /// A process uses so many percent of one core.
 constexpr double kPercent = 100.0;
 
+/// As people say it: nobody wants the seconds of an hour.
+QString roughDuration(int seconds)
+{
+    static constexpr int kMinute = 60;
+    static constexpr int kHour = 60 * kMinute;
+    if (seconds >= 2 * kHour)
+        return alertDurationText(seconds - seconds % kHour);
+    return alertDurationText(seconds >= 2 * kMinute ? seconds - seconds % kMinute : seconds);
+}
+
 QString comparison(const Alarm &alarm, bool fahrenheit)
 {
     const QString value = alertValueText(alarm.rule.subject, alarm.value, fahrenheit);
@@ -33,7 +43,7 @@ QString condition(const Alarm &alarm, bool fahrenheit)
         static_cast<int>(std::lround(static_cast<double>(alarm.heldFor) / kMillisecondsPerSecond));
     if (seconds <= 0 || now.isEmpty())
         return now;
-    return localizedFormat(QStringLiteral("%@ for %@"), now, alertDurationText(seconds));
+    return localizedFormat(QStringLiteral("%@ for %@"), now, roughDuration(seconds));
 }
 
 QString culprit(const Alarm &alarm)

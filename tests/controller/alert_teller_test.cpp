@@ -53,6 +53,22 @@ TEST(AlarmText, AtOnceThereIsNoTimeToTell)
     EXPECT_EQ(alarmNotification(alarm, false).body, s("95.2% now, above 90%"));
 }
 
+TEST(AlarmText, ALongTimeIsToldRoughly)
+{
+    const auto told = [](qint64 seconds) {
+        Alarm alarm = busyAlarm();
+        alarm.heldFor = seconds * 1000;
+        alarm.culprit.reset();
+        return alarmNotification(alarm, false).body.mid(s("95.2% now, above 90% ").size());
+    };
+    EXPECT_EQ(told(61), s("for 61 seconds"));
+    EXPECT_EQ(told(119), s("for 119 seconds"));
+    EXPECT_EQ(told(122), s("for 2 minutes"));
+    EXPECT_EQ(told(3602), s("for 1 hour"));
+    EXPECT_EQ(told(3700), s("for 61 minutes"));
+    EXPECT_EQ(told(7301), s("for 2 hours"));
+}
+
 TEST(AlarmText, AFallingOneIsBelow)
 {
     Alarm alarm;
