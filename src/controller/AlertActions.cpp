@@ -14,10 +14,9 @@ namespace {
 /// What a new alert is before the user has said anything.
 AlertRule usualRule()
 {
-    static constexpr int kSeconds = 20;
     AlertRule rule;
     rule.threshold = alertThresholdRange(rule.subject, false).usual;
-    rule.duration = kSeconds;
+    rule.duration = AlertRule::kUsualDuration;
     return rule;
 }
 
@@ -79,9 +78,10 @@ void AlertActions::addAlert()
 {
     if (!m_edit)
         return;
-    m_edit(editOf({}, usualRule()), [self = QPointer(this)](const AlertRule &rule) {
+    const AlertEdit edit = editOf({}, usualRule());
+    m_edit(edit, [self = QPointer(this), scale = edit.fahrenheit](const AlertRule &rule) {
         if (self)
-            self->m_alerts.add(rule);
+            self->m_alerts.add(self->inScaleOfNow(rule, scale));
     });
 }
 
@@ -90,10 +90,17 @@ void AlertActions::editAlert(const QString &id)
     const Alert *alert = m_alerts.find(id);
     if (alert == nullptr || !m_edit)
         return;
-    m_edit(editOf(id, alert->rule), [self = QPointer(this), id](const AlertRule &rule) {
+    const AlertEdit edit = editOf(id, alert->rule);
+    m_edit(edit, [self = QPointer(this), id, scale = edit.fahrenheit](const AlertRule &rule) {
         if (self)
-            self->changeRule(id, rule);
+            self->changeRule(id, self->inScaleOfNow(rule, scale));
     });
+}
+
+/// The scale may have been switched while the user was typing.
+AlertRule AlertActions::inScaleOfNow(const AlertRule &rule, bool fahrenheit) const
+{
+    return m_monitor.fahrenheit() == fahrenheit ? rule : alertRuleInScale(rule, !fahrenheit);
 }
 
 /// It may have been switched on or off, and even removed, while the user was typing.

@@ -27,6 +27,7 @@ public:
 
 private:
     AlertEdit editOf(const QString &id, const AlertRule &rule) const;
+    AlertRule inScaleOfNow(const AlertRule &rule, bool fahrenheit) const;
     void changeRule(const QString &id, AlertRule rule);
 
     const TopMonitor &m_monitor;

@@ -8,7 +8,6 @@
 #include <QStringList>
 #include <QVector>
 
-#include <cmath>
 #include <utility>
 
 namespace pulsebar {
@@ -35,14 +34,14 @@ std::optional<Comparison> compared(const QVariant &value, const AlertRule &rule,
     return Comparison{static_cast<double>(floatValue(value)), static_cast<double>(limit), unit};
 }
 
-/// The threshold is cut to whole bytes, and no record yet reads as no traffic.
+/// Rates are compared as whole bytes, and no record yet reads as no traffic.
 std::optional<Comparison> comparedRate(const QVariantMap &sample, QStringView path,
                                        const AlertRule &rule)
 {
     if (!sample.contains(QStringLiteral("NetStatistics")))
         return std::nullopt;
     const auto rate = static_cast<double>(longValue(valueForKeyPath(sample, path)));
-    return Comparison{rate, std::trunc(rule.threshold), 1.0};
+    return Comparison{rate, rule.threshold, 1.0};
 }
 
 std::optional<Comparison> comparedCable(const QVariantMap &sample, const AlertRule &rule)
@@ -89,8 +88,9 @@ std::optional<Comparison> comparison(const AlertRule &rule, const QVariantMap &s
     return std::nullopt;
 }
 
-/// The watched process: the busiest one of its name or key that the sample lists.
-Culprit watchedProcess(const QString &process, const QVariantMap &sample)
+/// The watched process as the sample lists it. Others may go by the same name, or make up one that
+/// looks like its key: only the very process whose record it is may be named as the one to quit.
+Culprit watchedProcess(const QString &process, const QString &key, const QVariantMap &sample)
 {
     const QString separator = QStringLiteral("//");
     const QString name = substringFrom(process, separator).value_or(process);
@@ -98,13 +98,12 @@ Culprit watchedProcess(const QString &process, const QVariantMap &sample)
     const QVariantList listed = sample.value(QStringLiteral("ProcessList")).toList();
     for (const QVariant &element : listed) {
         const QVariantMap entry = element.toMap();
-        const QString itsName = entry.value(QStringLiteral("ProcessName")).toString();
-        const QString itsNumber = entry.value(QStringLiteral("PID")).toString();
-        if (itsName != process && itsNumber + separator + itsName != process)
+        if (entry.value(QStringLiteral("PID")).toString() + separator +
+                entry.value(QStringLiteral("ProcessName")).toString() !=
+            key)
             continue;
-        const double fraction = doubleValueForKey(entry, QStringLiteral("CPUUsage"));
-        if (found.number == 0 || fraction > found.fraction)
-            found = {found.name, longValueForKey(entry, QStringLiteral("PID")), fraction};
+        found.number = longValueForKey(entry, QStringLiteral("PID"));
+        found.fraction = doubleValueForKey(entry, QStringLiteral("CPUUsage"));
     }
     return found;
 }
@@ -129,10 +128,12 @@ std::optional<bool> alertHolds(const AlertRule &rule, const QVariantMap &sample,
     return rule.rising ? figure->limit <= figure->value : figure->value <= figure->limit;
 }
 
-AlertWatch::AlertWatch(const Alerts &alerts, const CulpritHistory &history, ProcessRecord recordOf)
+AlertWatch::AlertWatch(const Alerts &alerts, const CulpritHistory &history, ProcessRecord recordOf,
+                       ProcessKey keyOf)
     : m_alerts(alerts)
     , m_history(history)
     , m_recordOf(std::move(recordOf))
+    , m_keyOf(std::move(keyOf))
 {
     connect(&m_alerts, &Alerts::changed, this, &AlertWatch::dropOutdated);
 }
@@ -177,6 +178,12 @@ void AlertWatch::sampleTaken(const QVariantMap &sample, qint64 now)
     }
 }
 
+void AlertWatch::changeScale(bool fahrenheit)
+{
+    for (State &state : m_states)
+        state.rule = alertRuleInScale(state.rule, fahrenheit);
+}
+
 bool AlertWatch::isAlarming() const
 {
     for (const State &state : m_states) {
@@ -216,7 +223,9 @@ void AlertWatch::advance(State &state, const QVariantMap &sample, qint64 now) co
     }
     ++state.samples;
     const std::optional<bool> holds = alertHolds(state.rule, sample, m_recordOf);
-    if (holds == false || now - state.lastSeen > kLongestUnseen) {
+    // Samples may be a minute apart themselves; one that has the figure ends nothing by coming
+    // late.
+    if (!holds.value_or(now - state.lastSeen <= kLongestUnseen)) {
         state.phase = Phase::Idle;
         return;
     }
@@ -241,7 +250,7 @@ Alarm AlertWatch::alarmFor(const State &state, const Alert &alert, const QVarian
     alarm.value = alertFigure(alert.rule, sample, m_recordOf).value_or(0.0);
     alarm.heldFor = now - state.since;
     if (alert.rule.subject == AlertSubject::ProcessShare)
-        alarm.culprit = watchedProcess(alert.rule.part, sample);
+        alarm.culprit = watchedProcess(alert.rule.part, m_keyOf(alert.rule.part), sample);
     else if ((alert.rule.subject == AlertSubject::CpuLoad && alert.rule.rising) ||
              (alert.rule.subject == AlertSubject::BatteryPercent && !alert.rule.rising))
         alarm.culprit = m_history.busiest(samplesToBlame(state));

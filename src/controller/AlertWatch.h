@@ -25,7 +25,7 @@ struct Alarm
     qint64 heldFor = 0; ///< milliseconds since the event; 0 at its own sample
     /// CPU load that is high, and a battery that runs down: who used most of the processors since
     /// the event (in the last minute where the alarm comes at once). ProcessShare: the process
-    /// itself, its number 0 while it is not listed.
+    /// itself whose record crossed the threshold, its number 0 while it is not listed.
     std::optional<Culprit> culprit;
 };
 
@@ -43,18 +43,25 @@ class AlertWatch : public QObject
 public:
     /// Answers the minute-stats record of a process (by key or name), empty when it is unknown.
     using ProcessRecord = std::function<QVariantMap(const QString &process)>;
+    /// Answers the process key of whom that record is, empty as above.
+    using ProcessKey = std::function<QString(const QString &process)>;
 
     static constexpr qint64 kLeastBetween = 60 * 1000;  ///< milliseconds between two alarms
     static constexpr qint64 kLongestUnseen = 60 * 1000; ///< milliseconds without a figure
 
-    /// Both must outlive it.
-    AlertWatch(const Alerts &alerts, const CulpritHistory &history, ProcessRecord recordOf);
+    /// Alerts and history must outlive it.
+    AlertWatch(const Alerts &alerts, const CulpritHistory &history, ProcessRecord recordOf,
+               ProcessKey keyOf);
 
     /// TopMonitor::hardwareEvent(), while the next sample is being assembled.
     void hardwareEvent(const QVariantMap &entry);
     /// A sample was published and is in the history.
     /// @param now milliseconds of a clock that is never set
     void sampleTaken(const QVariantMap &sample, qint64 now);
+
+    /// Temperatures are in the other scale from the next sample on, and the alerts will be too:
+    /// what has begun goes on. To be called before Alerts::changeScale().
+    void changeScale(bool fahrenheit);
 
     /// Whether an alarm was told that has not ended.
     bool isAlarming() const;
@@ -90,6 +97,7 @@ private:
     const Alerts &m_alerts;
     const CulpritHistory &m_history;
     ProcessRecord m_recordOf;
+    ProcessKey m_keyOf;
     QHash<QString, State> m_states;
 };
 

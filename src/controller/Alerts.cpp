@@ -100,6 +100,24 @@ bool Alerts::remove(const QString &id)
     return true;
 }
 
+void Alerts::changeScale(bool fahrenheit)
+{
+    QVector<Alert> list = m_list;
+    bool isAnother = false;
+    for (Alert &alert : list) {
+        const AlertRule converted = alertRuleInScale(alert.rule, fahrenheit);
+        if (converted == alert.rule)
+            continue;
+        alert.entry = entryWithAlertRule(converted, alert.entry);
+        alert.rule = converted;
+        isAnother = true;
+    }
+    if (!isAnother)
+        return;
+    replace(std::move(list));
+    store();
+}
+
 QVariantList Alerts::observeArray() const
 {
     QVariantList entries;
@@ -112,6 +130,9 @@ bool Alerts::setObserveArray(const QVariantList &entries)
 {
     if (entries.size() > alertlist::kMostAlerts)
         return false;
+    // A script may write what is there over and over; the disk need not hear of it.
+    if (entries == observeArray())
+        return true;
     replace(alertsFrom(entries));
     store();
     return true;

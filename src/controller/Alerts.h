@@ -47,6 +47,8 @@ public:
     bool change(const QString &id, const AlertRule &rule);
     bool setEnabled(const QString &id, bool enabled);
     bool remove(const QString &id);
+    /// Temperatures are shown in the other scale from now on, and watched in it: thresholds follow.
+    void changeScale(bool fahrenheit);
 
     /// The whole list as the bus property shows it, foreign keys and all.
     QVariantList observeArray() const;

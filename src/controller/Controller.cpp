@@ -51,6 +51,11 @@ AlertWatch::ProcessRecord processRecordOf(const TopMonitor &monitor)
     };
 }
 
+AlertWatch::ProcessKey processKeyOf(const TopMonitor &monitor)
+{
+    return [&monitor](const QString &process) { return monitor.processKeyFor(process); };
+}
+
 } // namespace
 
 Controller::Controller(const ControllerParts &parts)
@@ -68,7 +73,8 @@ Controller::Controller(const ControllerParts &parts)
     , m_titles(parts.monitor, parts.statusItem, parts.programImage)
     , m_processActions(parts.monitor, parts.processActions)
     , m_alerts(parts.settings)
-    , m_alertWatch(m_alerts, m_culprits, processRecordOf(parts.monitor))
+    , m_alertWatch(m_alerts, m_culprits, processRecordOf(parts.monitor),
+                   processKeyOf(parts.monitor))
     , m_alertActions(parts.monitor, m_alerts, parts.editAlert)
     , m_alertTeller(parts.statusItem, alertTellerParts(parts.notifications))
 {

@@ -68,7 +68,10 @@ void Controller::switchShowIcon(const Choice & /*choice*/)
 
 void Controller::switchFahrenheit(const Choice & /*choice*/)
 {
-    m_monitor.setFahrenheit(!m_monitor.fahrenheit());
+    const bool fahrenheit = !m_monitor.fahrenheit();
+    m_monitor.setFahrenheit(fahrenheit);
+    m_alertWatch.changeScale(fahrenheit);
+    m_alerts.changeScale(fahrenheit);
 }
 
 void Controller::switchAutoLaunch(const Choice & /*choice*/)

@@ -82,7 +82,8 @@ protected:
     CulpritHistory history;
     QVariantMap record;
     AlertWatch::ProcessRecord recordOf = [this](const QString &) { return record; };
-    AlertWatch watch{alerts, history, recordOf};
+    QString recordedKey;
+    AlertWatch watch{alerts, history, recordOf, [this](const QString &) { return recordedKey; }};
     HardwareEvents events{[this](const QVariantMap &entry) { watch.hardwareEvent(entry); }};
     QStringList story;
     QVector<Alarm> alarms;
@@ -387,22 +388,82 @@ TEST_F(AlertWatchTest, NobodyIsToBlameForALoadThatFell)
     EXPECT_FALSE(alarms.value(0).culprit);
 }
 
-TEST_F(AlertWatchTest, AProcessNamesItselfWithItsNumber)
+/// Two processes called "hog", 11 the busier one in this very sample.
+QVariantMap twoHogs()
 {
-    for (const char *process : {"hog", "12//hog", "gone"})
-        alerts.add(ruleOf(AlertSubject::ProcessShare, true, 50, process));
-    record = {{s("AverageValue"), 0.6}, {s("lastAverage"), 0.4F}};
     QVariantMap dict = blaming(0.9, "hog", 11, "0.9");
     QVariantList processes = dict.value(s("ProcessList")).toList();
     processes += blaming(0.9, "hog", 12, "0.2").value(s("ProcessList")).toList();
+    processes += blaming(0.9, "12//hog", 13, "0.95").value(s("ProcessList")).toList();
     dict.insert(s("ProcessList"), processes);
-    sample(dict, 3);
-    ASSERT_EQ(alarms.size(), 3);
-    EXPECT_EQ(alarms.value(0).culprit->number, 11); // the busier of the two
-    EXPECT_EQ(alarms[1].culprit->number, 12);
-    EXPECT_EQ(alarms[1].culprit->name, s("hog"));
-    EXPECT_EQ(alarms[2].culprit->name, s("gone"));
-    EXPECT_EQ(alarms[2].culprit->number, 0);
+    return dict;
+}
+
+TEST_F(AlertWatchTest, AProcessIsTheOneWhoseRecordCrossed)
+{
+    for (const char *process : {"hog", "12//hog"})
+        alerts.add(ruleOf(AlertSubject::ProcessShare, true, 50, process));
+    record = {{s("AverageValue"), 0.6}, {s("lastAverage"), 0.4F}};
+    recordedKey = s("12//hog");
+    sample(twoHogs(), 3);
+    ASSERT_EQ(alarms.size(), 2);
+    for (const Alarm &alarm : std::as_const(alarms)) {
+        EXPECT_EQ(alarm.culprit->number, 12);
+        EXPECT_EQ(alarm.culprit->name, s("hog"));
+        EXPECT_EQ(alarm.culprit->fraction, 0.2);
+    }
+}
+
+TEST_F(AlertWatchTest, AProcessThatIsNotListedHasNoNumber)
+{
+    alerts.add(ruleOf(AlertSubject::ProcessShare, true, 50, "hog"));
+    record = {{s("AverageValue"), 0.6}, {s("lastAverage"), 0.4F}};
+    recordedKey = s("14//hog"); // ended in this sample; others of its name run on
+    sample(twoHogs(), 3);
+    ASSERT_EQ(alarms.size(), 1);
+    EXPECT_EQ(alarms[0].culprit->name, s("hog"));
+    EXPECT_EQ(alarms[0].culprit->number, 0);
+}
+
+TEST_F(AlertWatchTest, SamplesMayBeAMinuteApart)
+{
+    const QString atOnce = alerts.add(cpuRule(50));
+    const QString later = alerts.add(cpuRule(50, 100));
+    const auto late = [this](double load, qint64 milliseconds) {
+        const QVariantMap dict = cpuSample(load);
+        events.checkCPU(alerts.observedEntries(), dict);
+        watch.sampleTaken(dict, milliseconds);
+    };
+    late(0.4, 0);
+    late(0.6, 60'020);
+    EXPECT_EQ(heard(), told(atOnce));
+    late(0.6, 120'050);
+    EXPECT_EQ(heard(), nothing);
+    late(0.6, 180'090);
+    EXPECT_EQ(heard(), told(later));
+    late(0.4, 240'110);
+    EXPECT_EQ(heard(), ended(atOnce) + ended(later));
+}
+
+TEST_F(AlertWatchTest, AnotherScaleOfTemperaturesEndsAndBeginsNothing)
+{
+    const QString id = alerts.add(ruleOf(AlertSubject::Temperature, true, 80, "CPU Die"));
+    const QString cool = alerts.add(ruleOf(AlertSubject::Temperature, true, 90, "CPU Die"));
+    sample(temperatureSample(85, 70), 0);
+    EXPECT_EQ(heard(), told(id));
+    watch.changeScale(true);
+    alerts.changeScale(true);
+    sample(temperatureSample(210.6, 85), 3); // 85 degrees Celsius, the last one in the old scale
+    sample(temperatureSample(210.6, 210.6), 120);
+    EXPECT_EQ(heard(), nothing);
+    EXPECT_TRUE(watch.isAlarming());
+    watch.changeScale(false);
+    alerts.changeScale(false);
+    sample(temperatureSample(85, 210.6), 123);
+    EXPECT_EQ(heard(), nothing);
+    sample(temperatureSample(79, 85), 126);
+    EXPECT_EQ(heard(), ended(id));
+    EXPECT_EQ(alerts.find(cool)->rule.threshold, 90);
 }
 
 /// Whatever the monitor fires holds in that sample: both compare alike, to the last bit.

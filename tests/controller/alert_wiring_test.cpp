@@ -179,6 +179,26 @@ TEST_F(AlertWiringTest, EditingChangesTheRuleAndNotTheSwitch)
     EXPECT_EQ(controller.alerts().find(first)->rule, shareAbove(30));
 }
 
+TEST_F(AlertWiringTest, ThresholdsFollowTheScaleEvenWhileOneEditsThem)
+{
+    AlertRule hot;
+    hot.subject = AlertSubject::Temperature;
+    hot.part = s("CPU Die");
+    hot.threshold = 80;
+    const QString id = controller.alerts().add(hot);
+    const QVector<MenuItem> rows = alertRows();
+    choose(rows.at(rows.size() - 2).submenu->items().at(0));
+    MenuItem scale;
+    scale.action = s("switchFahrenheit");
+    choose(scale);
+    EXPECT_EQ(controller.alerts().find(id)->rule.threshold, 201.6);
+    EXPECT_EQ(monitor.observeArray().at(0).toMap().value(s("threshold")), QVariant(201.6));
+    accept(hot); // 80 degrees Celsius, as the panel shows
+    EXPECT_EQ(controller.alerts().find(id)->rule.threshold, 201.6);
+    choose(scale);
+    EXPECT_EQ(controller.alerts().find(id)->rule, hot);
+}
+
 TEST_F(AlertWiringTest, WhatWasRemovedMeanwhileIsNotBroughtBack)
 {
     const QString first = controller.alerts().add(shareAbove(30));

@@ -276,6 +276,45 @@ TEST_F(AlertsTest, AnAlertThatIsInTheNewListTooKeepsItsId)
     EXPECT_EQ(after.removeDuplicates(), 0);
 }
 
+TEST_F(AlertsTest, ThresholdsFollowTheScaleOfTemperatures)
+{
+    const QVariantMap hot{{s("type"), 17},
+                          {s("temperaturePart"), s("CPU Die")},
+                          {s("threshold"), 50},
+                          {s("note"), s("mine")}};
+    alerts->setObserveArray({hot, cpuEntry(50)});
+    const QStringList before = ids();
+    changes = 0;
+    alerts->changeScale(true);
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(alerts->list()[0].rule.threshold, 147.6);
+    EXPECT_EQ(alerts->observeArray()[0].toMap().value(s("note")), QVariant(s("mine")));
+    EXPECT_EQ(alerts->observeArray()[1], QVariant(cpuEntry(50)));
+    EXPECT_EQ(ids(), before);
+    reload();
+    EXPECT_EQ(alerts->list()[0].rule.threshold, 147.6);
+    alerts->changeScale(false);
+    EXPECT_EQ(alerts->list()[0].rule.threshold, 50);
+    alerts->setObserveArray({cpuEntry(50)});
+    changes = 0;
+    alerts->changeScale(true);
+    EXPECT_EQ(changes, 0) << "there is nothing to convert";
+}
+
+TEST_F(AlertsTest, WhatIsWrittenOverAndOverIsStoredOnce)
+{
+    const QVariantList entries{cpuEntry(50), cpuEntry(60)};
+    EXPECT_TRUE(alerts->setObserveArray(entries));
+    ASSERT_TRUE(QFile::remove(fileName()));
+    changes = 0;
+    EXPECT_TRUE(alerts->setObserveArray(entries));
+    EXPECT_EQ(changes, 0);
+    EXPECT_FALSE(QFile::exists(fileName()));
+    EXPECT_TRUE(alerts->setObserveArray({cpuEntry(60), cpuEntry(50)}));
+    EXPECT_EQ(changes, 1);
+    EXPECT_TRUE(QFile::exists(fileName()));
+}
+
 TEST_F(AlertsTest, TheListIsBounded)
 {
     QVariantList entries;
