@@ -168,10 +168,13 @@ QVariantList DBusNotifications::argumentsFor(quint32 id, const Notification &not
 
 void DBusNotifications::taken(const QString &key, const QDBusMessage &reply)
 {
-    // No notification has the number 0; an error has no number at all.
-    const quint32 id = reply.arguments().value(0).toUInt();
-    if (reply.type() != QDBusMessage::ReplyMessage || id == 0) {
-        qCWarning(logNotifications) << "a notification was refused:" << reply.errorMessage();
+    const bool answered = reply.type() == QDBusMessage::ReplyMessage;
+    const quint32 id = answered ? reply.arguments().value(0).toUInt() : 0;
+    // No notification has the number 0.
+    if (id == 0) {
+        qCWarning(logNotifications)
+            << "a notification was refused:"
+            << (answered ? QStringLiteral("it was given no number") : reply.errorMessage());
         fail(key);
         return;
     }
