@@ -1,5 +1,6 @@
 #include "controller/AlertListText.h"
 
+#include "controller/BusValues.h"
 #include "menu/AlertRule.h"
 #include "util/Values.h"
 
@@ -112,10 +113,10 @@ QString problemOf(const QVariant &entry)
 {
     if (entry.typeId() != QMetaType::QVariantMap)
         return QStringLiteral("it is no dictionary");
-    const QVariantMap dictionary = entry.toMap();
-    if (!alertRuleFromEntry(dictionary))
+    const QVariantMap dictionary = busvalues::toPlain(entry).toMap();
+    if (!alertRuleFromEntry(entry.toMap()))
         return QStringLiteral("its type, threshold, duration or names are of no use");
-    if (depthOf(entry) > kDeepestEntry)
+    if (depthOf(dictionary) > kDeepestEntry)
         return QStringLiteral("it has more than %1 levels").arg(kDeepestEntry);
     if (sizeOfBytes(dictionary) > kLongestEntry ||
         QJsonDocument(jsonObject(dictionary)).toJson(QJsonDocument::Compact).size() > kLongestEntry)
@@ -153,7 +154,7 @@ std::optional<QVariantList> entriesFromText(const QString &text)
 
 QString textFromEntries(const QVariantList &entries)
 {
-    return textOf(jsonArray(entries));
+    return textOf(jsonArray(busvalues::toPlain(entries).toList()));
 }
 
 } // namespace pulsebar::alertlist

@@ -31,7 +31,8 @@ SoundEntries soundEntries(const QVariantList &entries);
 /// Reads the array; absent when the text is none.
 std::optional<QVariantList> entriesFromText(const QString &text);
 
-/// What JSON can hold of the entries: texts, numbers, booleans, lists and dictionaries.
+/// What JSON can hold of the entries: texts, numbers, booleans, lists and dictionaries, be they the
+/// program's own or the bus's.
 QString textFromEntries(const QVariantList &entries);
 
 } // namespace pulsebar::alertlist

@@ -67,6 +67,44 @@ QList<QVariantMap> eachDictionary(const QVariantList &array,
     return wire;
 }
 
+QVariantMap plainMap(const QDBusArgument &wire)
+{
+    QVariantMap map;
+    wire.beginMap();
+    while (!wire.atEnd()) {
+        wire.beginMapEntry();
+        const QString key = wire.asVariant().toString();
+        map.insert(key, toPlain(wire.asVariant()));
+        wire.endMapEntry();
+    }
+    wire.endMap();
+    return map;
+}
+
+QVariantList plainElements(const QDBusArgument &wire)
+{
+    const bool isArray = wire.currentType() == QDBusArgument::ArrayType;
+    QVariantList list;
+    isArray ? wire.beginArray() : wire.beginStructure();
+    while (!wire.atEnd())
+        list += toPlain(wire.asVariant());
+    isArray ? wire.endArray() : wire.endStructure();
+    return list;
+}
+
+QVariant plainArgument(const QDBusArgument &wire)
+{
+    switch (wire.currentType()) {
+    case QDBusArgument::MapType:
+        return plainMap(wire);
+    case QDBusArgument::ArrayType:
+    case QDBusArgument::StructureType:
+        return plainElements(wire);
+    default:
+        return {};
+    }
+}
+
 bool hasSignature(const QVariant &wire, const char *signature)
 {
     return wire.metaType() == QMetaType::fromType<QDBusArgument>() &&
@@ -148,6 +186,26 @@ std::optional<QVariantList> toDictionaries(const QVariant &wire)
     for (const QVariantMap &dictionary : dictionaries)
         array += dictionary;
     return array;
+}
+
+QVariant toPlain(const QVariant &wire)
+{
+    if (wire.metaType() == QMetaType::fromType<QDBusArgument>())
+        return plainArgument(qvariant_cast<QDBusArgument>(wire));
+    if (wire.metaType() == QMetaType::fromType<QDBusVariant>())
+        return toPlain(qvariant_cast<QDBusVariant>(wire).variant());
+    if (wire.typeId() == QMetaType::QVariantList) {
+        QVariantList list = wire.toList();
+        for (QVariant &item : list)
+            item = toPlain(item);
+        return list;
+    }
+    if (!isDictionary(wire))
+        return wire;
+    QVariantMap map = wire.toMap();
+    for (QVariant &value : map)
+        value = toPlain(value);
+    return map;
 }
 
 QVariantMap toSender(const QVariantMap &dictionary)

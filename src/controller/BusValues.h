@@ -25,6 +25,9 @@ std::optional<QList<int>> toIntegers(const QVariant &wire);
 /// What came in as `aa{sv}`; absent for any other type. Basic values are plain; what the program
 /// has no type of its own for stays as the bus delivered it, so that it can be sent back unchanged.
 std::optional<QVariantList> toDictionaries(const QVariant &wire);
+/// The lists and dictionaries in what came in, of whatever types, as the program's own; basic
+/// values as they are. Structures are lists.
+QVariant toPlain(const QVariant &wire);
 /// The reverse: a dictionary of which every value that came from the bus keeps its wire type.
 QVariantMap toSender(const QVariantMap &dictionary);
 /// The same for an array of dictionaries, as `aa{sv}`; other elements are left out.

@@ -85,11 +85,33 @@ TEST_F(ObserveTest, BrokenEntriesAreLeftOutAndTooManyAreRefused)
     EXPECT_EQ(list(program).size(), 2);
 }
 
+TEST_F(ObserveTest, WhatTheBusCouldNotCarryDoesNotTakeTheProgramOffIt)
+{
+    const auto nested = [](int levels) {
+        return R"({"type": 10, "note": )" + QByteArray("{\"a\": ").repeated(levels) + "1" +
+               QByteArray("}").repeated(levels) + "}";
+    };
+    desktop.writeSettings("[General]\nobserveArray=[" + nested(60) + ", " + nested(15) + "]\n");
+    RunningProgram program(desktop);
+    EXPECT_EQ(list(program).size(), 1);
+    EXPECT_EQ(client({s("get"), s("observeArray")}), 0);
+    EXPECT_EQ(clientOutput.count(s("\"a\"")), 15) << clientOutput.toStdString();
+    EXPECT_EQ(program.quit(), 0);
+}
+
 TEST_F(ObserveTest, TheClientWritesAndReadsTheList)
 {
+    const QString json = s(R"([{"duration":20,"name":"Busy","note":{"a":[1,{"b":true}]},)"
+                           R"("threshold":90,"type":10}])");
+    {
+        RunningProgram program(desktop);
+        EXPECT_EQ(client({s("set"), s("observeArray"), json}), 0);
+        EXPECT_EQ(client({s("get"), s("observeArray")}), 0);
+        EXPECT_EQ(clientOutput.trimmed(), json);
+        EXPECT_EQ(program.quit(), 0);
+    }
+    // Whatever stands in it, nothing is lost by a restart.
     RunningProgram program(desktop);
-    const QString json = s(R"([{"duration":20,"name":"Busy","threshold":90,"type":10}])");
-    EXPECT_EQ(client({s("set"), s("observeArray"), json}), 0);
     EXPECT_EQ(client({s("get"), s("observeArray")}), 0);
     EXPECT_EQ(clientOutput.trimmed(), json);
 }
