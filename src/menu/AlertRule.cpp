@@ -292,7 +292,7 @@ QString alertProblem(const AlertRule &rule)
         return localizedString(QStringLiteral("Name the process."));
     if (rule.subject == AlertSubject::Temperature && rule.part.trimmed().isEmpty())
         return localizedString(QStringLiteral("Choose a sensor."));
-    const QString wrongThreshold = rule.watchesCable() ? QString() : thresholdProblem(rule);
+    QString wrongThreshold = rule.watchesCable() ? QString() : thresholdProblem(rule);
     if (!wrongThreshold.isEmpty())
         return wrongThreshold;
     if (rule.duration < 0 || rule.duration > AlertRule::kLongestDuration)
