@@ -85,8 +85,12 @@ public:
         , m_sensors(*m_platform)
         , m_monitor(sources(), samplerCommand(QStringLiteral("pulsebar-top")))
         , m_networkMonitor(samplerCommand(QStringLiteral("pulsebar-nettop")))
-        , m_graphs(m_desktop, m_settings,
-                   [this](const QString &key) { return m_monitor.cacheDataForKey(key); })
+        , m_graphs(
+              m_desktop, m_settings,
+              [this](const QString &key) { return m_monitor.cacheDataForKey(key); },
+              [this](const QString &key, std::size_t back) {
+                  return m_controller.sampleText(key, back);
+              })
         , m_detailWindow([this] { return newestReport(); })
         , m_application(m_desktop.urlOpener.get(),
                         manualPlaces(QCoreApplication::applicationDirPath()))

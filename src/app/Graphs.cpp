@@ -6,8 +6,10 @@
 
 namespace pulsebar {
 
-Graphs::Graphs(const Desktop &desktop, Settings &settings, UsageCacheForKey cacheDataForKey)
-    : m_store(settings)
+Graphs::Graphs(const Desktop &desktop, Settings &settings, UsageCacheForKey cacheDataForKey,
+               SampleTextForKey sampleText)
+    : m_sampleText(std::move(sampleText))
+    , m_store(settings)
     , m_services(WindowServices::partsOf(desktop))
     , m_registry(
           [this](const QString &key) {
@@ -22,6 +24,7 @@ GraphWindowParts Graphs::parts()
     GraphWindowParts parts{m_store};
     parts.windowServices = &m_services;
     parts.screenChanges = &m_screenChanges;
+    parts.sampleText = m_sampleText;
     parts.closeGraphViewForKey = [this](const QString &key) {
         m_registry.closeGraphViewForKey(key);
     };

@@ -1,8 +1,10 @@
 #include "controller/AlarmText.h"
 
 #include "controller/AlertWatch.h"
+#include "util/GraphKeys.h"
 #include "util/Localisation.h"
 #include "util/PlainLine.h"
+#include "util/Text.h"
 
 #include <QStringList>
 
@@ -55,6 +57,16 @@ QString culprit(const Alarm &alarm)
                            plainLine(alarm.culprit->name), alarm.culprit->fraction * kPercent);
 }
 
+/// Of the very process that was told of, where it is known which of its name that was.
+QString processGraphKey(const Alarm &alarm)
+{
+    const QString &watched = alarm.rule.part;
+    if (!alarm.culprit || alarm.culprit->number <= 0)
+        return graphkeys::process(watched);
+    const QString name = substringFrom(watched, QStringLiteral("//")).value_or(watched);
+    return graphkeys::process(alarm.culprit->number, name);
+}
+
 } // namespace
 
 Notification alarmNotification(const Alarm &alarm, bool fahrenheit)
@@ -75,21 +87,21 @@ Notification alarmNotification(const Alarm &alarm, bool fahrenheit)
     return notification;
 }
 
-QString alertGraphKey(const AlertRule &rule)
+QString alertGraphKey(const Alarm &alarm)
 {
-    switch (rule.subject) {
+    switch (alarm.rule.subject) {
     case AlertSubject::CpuLoad:
-        return QStringLiteral("CPUTotalUsage");
+        return graphkeys::totalCpu();
     case AlertSubject::NetworkIn:
-        return QStringLiteral("Network__NetworkInMinuteStats");
+        return graphkeys::traffic(QStringLiteral("NetworkInMinuteStats"));
     case AlertSubject::NetworkOut:
-        return QStringLiteral("Network__NetworkOutMinuteStats");
+        return graphkeys::traffic(QStringLiteral("NetworkOutMinuteStats"));
     case AlertSubject::ProcessShare:
-        return QStringLiteral("CPUUsage__") + rule.part;
+        return processGraphKey(alarm);
     case AlertSubject::Temperature:
-        return QStringLiteral("Temperature__") + rule.part;
+        return graphkeys::temperature(alarm.rule.part);
     case AlertSubject::Fans:
-        return QStringLiteral("FanMove__FanAverage");
+        return graphkeys::fanAverage();
     case AlertSubject::BatteryPercent:
     case AlertSubject::CablePluggedIn:
     case AlertSubject::CableUnplugged:

@@ -41,7 +41,7 @@ std::shared_ptr<HeldProcess> AlertTeller::culpritOf(const Alarm &alarm) const
 
 void AlertTeller::tell(const Alarm &alarm)
 {
-    const Told told{alarm.rule, culpritOf(alarm)};
+    const Told told{alertGraphKey(alarm), culpritOf(alarm)};
     m_told.insert(alarm.id, told);
     if (m_parts.notifications == nullptr) {
         notificationNotShown(alarm.id);
@@ -92,7 +92,7 @@ void AlertTeller::notificationActionChosen(const QString &id, const QString &act
 
 void AlertTeller::show(const Told &told)
 {
-    const QString key = alertGraphKey(told.rule);
+    const QString &key = told.graphKey;
     const bool shown = !key.isEmpty() && m_parts.showGraph && m_parts.showGraph(key);
     if (!shown && m_parts.openMenu)
         m_parts.openMenu();

@@ -50,7 +50,7 @@ public:
 private:
     struct Told
     {
-        AlertRule rule;
+        QString graphKey;                     ///< empty where there is no graph
         std::shared_ptr<HeldProcess> process; ///< null where none is to be quit
     };
 

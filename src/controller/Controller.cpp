@@ -6,6 +6,7 @@
 #include "controller/TitleTexts.h"
 #include "engine/TopMonitor.h"
 #include "platform/Processes.h"
+#include "util/GraphKeys.h"
 
 #include <QDateTime>
 
@@ -210,14 +211,27 @@ void Controller::save()
     m_settings.synchronize();
 }
 
+void Controller::recordCulprits()
+{
+    m_culprits.add(m_monitor.topDict(), QDateTime::currentMSecsSinceEpoch(),
+                   m_monitor.CPUTotalUsageCount());
+}
+
+QString Controller::sampleText(const QString &graphKey, std::size_t back) const
+{
+    // Who used a single core, nobody knows; and of a process's graph there is nothing to tell.
+    if (graphKey != graphkeys::totalCpu())
+        return {};
+    const std::optional<CulpritSample> sample = m_culprits.ofLoad(back);
+    return sample ? culpritText(*sample) : QString();
+}
+
 void Controller::watchAlerts()
 {
     using namespace std::chrono;
-    const QVariantMap &sample = m_monitor.topDict();
-    m_culprits.add(sample, QDateTime::currentMSecsSinceEpoch());
     // Durations go by a clock that nobody sets.
     const auto now = duration_cast<milliseconds>(steady_clock::now().time_since_epoch());
-    m_alertWatch.sampleTaken(sample, now.count());
+    m_alertWatch.sampleTaken(m_monitor.topDict(), now.count());
 }
 
 void Controller::update()
@@ -226,6 +240,8 @@ void Controller::update()
     m_titles.update();
     if (!m_statusItem.hasMenu())
         m_statusItem.setMenuDelegate(this);
+    // Graphs that are fed may ask about the newest sample at once.
+    recordCulprits();
     if (m_graphWindows != nullptr)
         m_graphWindows->feed();
     watchAlerts();

@@ -73,6 +73,11 @@ public:
     Alerts &alerts() { return m_alerts; }
     AlertWatch &alertWatch() { return m_alertWatch; }
     const CulpritHistory &culprits() const { return m_culprits; }
+    /// What there is to say of a sample of a graph's series, in one line: for the load of all cores
+    /// when it was, how much, and who used most. Process names stand in it as they are.
+    /// @param back counted from the series' newest sample, which is 0
+    /// @return empty where there is nothing to say
+    QString sampleText(const QString &graphKey, std::size_t back) const;
 
     bool showIcon() const { return m_showIcon; }
     qint64 networkMax() const { return m_networkMax; }
@@ -117,6 +122,7 @@ private:
     void loadItemWidth();
     void loadGraphWindows();
     void startAlerts();
+    void recordCulprits();
     void watchAlerts();
     void saveGraphWindows();
     void setRefreshSec(int seconds);

@@ -8,6 +8,7 @@
 #include "platform/UrlOpener.h"
 #include "platform/Workspace.h"
 #include "processes/Relaunch.h"
+#include "util/GraphKeys.h"
 #include "util/Localisation.h"
 #include "util/ProcessNumber.h"
 #include "util/Text.h"
@@ -36,7 +37,7 @@ const QString behindNumber = QStringLiteral("//");
 /// A process's submenu is also the key of its graph.
 QString processKey(const QString &title)
 {
-    const QString prefix = QStringLiteral("CPUUsage__");
+    const QString prefix = graphkeys::process(QString());
     return title.startsWith(prefix) ? title.mid(prefix.size()) : title;
 }
 

@@ -65,7 +65,7 @@ void CulpritSample::shareNamesWith(const CulpritSample &before)
     }
 }
 
-void CulpritHistory::add(const QVariantMap &sample, qint64 time)
+void CulpritHistory::add(const QVariantMap &sample, qint64 time, quint64 load)
 {
     const QVariant total = sample.value(QStringLiteral("CPUUsageCoreAverage"));
     if (!total.isValid())
@@ -73,6 +73,7 @@ void CulpritHistory::add(const QVariantMap &sample, qint64 time)
     CulpritSample entry;
     entry.time = time;
     entry.total = doubleValue(total);
+    entry.load = load;
     const QVariantList processes = sample.value(QStringLiteral("ProcessList")).toList();
     for (const QVariant &process : processes)
         entry.consider(process.toMap());
@@ -99,6 +100,17 @@ std::optional<CulpritSample> CulpritHistory::newest(std::size_t back) const
     if (back >= m_samples.size())
         return std::nullopt;
     return m_samples[m_samples.size() - 1 - back];
+}
+
+std::optional<CulpritSample> CulpritHistory::ofLoad(std::size_t back) const
+{
+    if (m_samples.empty() || m_samples.back().load < back)
+        return std::nullopt;
+    const quint64 load = m_samples.back().load - back;
+    const auto found =
+        std::partition_point(m_samples.begin(), m_samples.end(),
+                             [load](const CulpritSample &sample) { return sample.load < load; });
+    return found->load == load ? std::optional(*found) : std::nullopt;
 }
 
 std::optional<Culprit> CulpritHistory::busiest(std::size_t count) const

@@ -23,6 +23,7 @@ struct CulpritSample
 {
     qint64 time = 0;  ///< milliseconds since the epoch
     double total = 0; ///< mean load of the cores, 0.0 to 1.0, as TopMonitor::CPUTotalUsage()
+    quint64 load = 0; ///< the number of that load, as TopMonitor::CPUTotalUsageCount()
     /// The processes that used most, the busiest first; those that used nothing are not there.
     QList<Culprit> processes() const;
 
@@ -54,13 +55,18 @@ public:
     /// left out.
     /// @param time milliseconds since the epoch. Samples older than ten minutes before it go; when
     ///        the clock was set back, nothing goes for that.
-    void add(const QVariantMap &sample, qint64 time);
+    /// @param load the number of the sample's load; a number as before says that it is that load
+    void add(const QVariantMap &sample, qint64 time, quint64 load);
 
     /// The samples not older than `seconds` before `now`, oldest first. Those of a time to come, as
     /// there are after the clock was set back, are of no use to whoever asks by time.
     QList<CulpritSample> since(quint32 seconds, qint64 now) const;
     /// The nth sample counted from the newest, which is 0; absent beyond the oldest.
     std::optional<CulpritSample> newest(std::size_t back = 0) const;
+    /// The sample that brought the nth value of the series "CPUTotalUsage", counted from the
+    /// newest, which is 0. Samples that repeated a load count for nothing. Absent when it is not
+    /// kept.
+    std::optional<CulpritSample> ofLoad(std::size_t back) const;
     std::size_t size() const { return m_samples.size(); }
 
     /// The name that used most over the newest `count` samples: short-lived processes of one name,

@@ -141,6 +141,7 @@ void SampleAssembly::addCores(QVariantMap &sample, const std::vector<CoreEntry> 
     sample.insert(CpuUsage, entries);
     sample.insert(CpuUsageCoreAverage, average);
     sample.insert(CpuUsageMinuteStats, minuteStats(m_caches.cpuUsage.average(), average));
+    ++m_caches.loads;
 }
 
 void SampleAssembly::collectNetwork(QVariantMap &sample, const QVariantMap & /*previous*/)

@@ -323,6 +323,11 @@ std::optional<UsageCache> TopMonitor::cacheDataForKey(const QString &graphKey) c
     return pulsebar::cacheDataForKey(*m_caches, *m_appUsage, graphKey);
 }
 
+quint64 TopMonitor::CPUTotalUsageCount() const
+{
+    return m_caches->loads;
+}
+
 QVariant TopMonitor::CPUTotalUsage() const
 {
     return m_topDict.value(QStringLiteral("CPUUsageCoreAverage"));

@@ -148,6 +148,10 @@ public:
     /// "Network__NetworkInMinuteStats", "CPUUsage__123//name", ...); absent when there is none.
     std::optional<UsageCache> cacheDataForKey(const QString &graphKey) const;
 
+    /// How many values "CPUTotalUsage" has had, those that it has lost since included. A sample for
+    /// which the cores could not be read repeats the load before it and adds no value.
+    quint64 CPUTotalUsageCount() const;
+
     /// The mean load of the cores in the newest sample, a fraction (double).
     QVariant CPUTotalUsage() const;
     /// Bytes per second in the newest sample (quint64).

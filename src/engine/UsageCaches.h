@@ -38,6 +38,7 @@ private:
 struct UsageCaches
 {
     CoreCaches cpuUsage;
+    quint64 loads = 0; ///< values that the cores' average has ever had
     UsageCache networkIn;
     UsageCache networkOut;
     UsageCache energyConsumption;

@@ -2,6 +2,7 @@
 
 #include "util/Values.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace pulsebar {
@@ -24,9 +25,9 @@ double largest(const UsageCache &samples, double start)
     return result;
 }
 
-double stepBetween(const UsageCache &samples, QSizeF size)
+double stepBetween(const UsageCache &samples, double width)
 {
-    return samples.size() < 2 ? 0.0 : (size.width() - 2 * inset) / double(samples.size() - 1);
+    return samples.size() < 2 ? 0.0 : (width - 2 * inset) / double(samples.size() - 1);
 }
 
 } // namespace
@@ -40,7 +41,7 @@ QVector<QPointF> cpuGraphPoints(const UsageCache &samples, QSizeF size)
 {
     const auto fullScale = float(cpuFullScale(samples));
     const auto height = float(size.height() - 2 * inset);
-    const double step = stepBetween(samples, size);
+    const double step = stepBetween(samples, size.width());
     QVector<QPointF> points;
     points.reserve(samples.size());
     double x = origin;
@@ -55,6 +56,21 @@ QVector<QPointF> cpuGraphPoints(const UsageCache &samples, QSizeF size)
     return points;
 }
 
+std::optional<qsizetype> cpuGraphSampleAt(const UsageCache &samples, double width, double x)
+{
+    QVector<qsizetype> drawn;
+    drawn.reserve(samples.size());
+    for (qsizetype i = 0; i < samples.size(); ++i) {
+        if (!std::isnan(floatValue(samples[i])))
+            drawn.append(i);
+    }
+    if (drawn.isEmpty())
+        return std::nullopt;
+    const double step = stepBetween(samples, width);
+    const double place = step > 0.0 ? std::round((x - origin) / step) : 0.0;
+    return drawn.at(qsizetype(std::clamp(place, 0.0, double(drawn.size() - 1))));
+}
+
 double networkFullScale(const UsageCache &samples)
 {
     return largest(samples, 1024.0);
@@ -64,7 +80,7 @@ QVector<QPointF> networkGraphPoints(const UsageCache &samples, QSizeF size)
 {
     const double fullScale = networkFullScale(samples);
     const double height = size.height() - 2 * inset;
-    const double step = stepBetween(samples, size);
+    const double step = stepBetween(samples, size.width());
     QVector<QPointF> points;
     points.reserve(samples.size());
     double x = origin;

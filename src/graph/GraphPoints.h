@@ -6,6 +6,8 @@
 #include <QSizeF>
 #include <QVector>
 
+#include <optional>
+
 namespace pulsebar {
 
 /// Where the samples of a series stand in a view of a size, in points counted from its bottom
@@ -19,6 +21,12 @@ double cpuFullScale(const UsageCache &samples);
 /// The points of such a series. A sample that is not a number has none, and those after it move
 /// up; every other has one, which is not finite where an infinite sample makes it so.
 QVector<QPointF> cpuGraphPoints(const UsageCache &samples, QSizeF size);
+
+/// The sample of such a series whose point is nearest to a place: its index in `samples`. Beyond
+/// the ends it is the first or the last one that has a point. Absent where none has.
+/// @param width of the view
+/// @param x from its left edge
+std::optional<qsizetype> cpuGraphSampleAt(const UsageCache &samples, double width, double x);
 
 /// The value at the top of a series of network traffic: the largest sample, at least 1024.
 double networkFullScale(const UsageCache &samples);

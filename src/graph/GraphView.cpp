@@ -62,10 +62,30 @@ void GraphView::drawRect(QImage &image, const QRectF &rect) const
 
 void GraphView::drawGraphInRect(QImage & /*image*/, const QRectF & /*rect*/) const {}
 
+std::optional<qsizetype> GraphView::indexAt(double /*x*/, double /*width*/) const
+{
+    return std::nullopt;
+}
+
+std::optional<std::size_t> GraphView::sampleAt(double x, double width) const
+{
+    if (m_usageCacheArray.size() < fewestSamples)
+        return std::nullopt;
+    const std::optional<qsizetype> index = indexAt(x, width);
+    if (!index)
+        return std::nullopt;
+    return static_cast<std::size_t>(m_usageCacheArray.size() - 1 - *index);
+}
+
 void CPUGraphView::drawGraphInRect(QImage &image, const QRectF &rect) const
 {
     strokeUpward(image, rect, cpuGraphPoints(usageCacheArray(), rect.size()),
                  viewSetting()->lineColor());
+}
+
+std::optional<qsizetype> CPUGraphView::indexAt(double x, double width) const
+{
+    return cpuGraphSampleAt(usageCacheArray(), width, x);
 }
 
 void NetworkGraphView::drawGraphInRect(QImage &image, const QRectF &rect) const

@@ -6,6 +6,7 @@
 #include <QRectF>
 
 #include <functional>
+#include <optional>
 
 class QImage;
 
@@ -34,9 +35,17 @@ public:
     /// @param rect what to draw, in points from the image's top left corner; the whole view
     void drawRect(QImage &image, const QRectF &rect) const;
 
+    /// The sample that is drawn nearest to a place: how many have come since, 0 for the newest.
+    /// Absent where no line is drawn, and for series of which single samples are not asked about.
+    /// @param x in points from the left edge
+    /// @param width of the whole view
+    std::optional<std::size_t> sampleAt(double x, double width) const;
+
 protected:
     /// Draws the line; the base draws none.
     virtual void drawGraphInRect(QImage &image, const QRectF &rect) const;
+    /// The index of a sample; the base knows none.
+    virtual std::optional<qsizetype> indexAt(double x, double width) const;
 
 private:
     UsageCache m_usageCacheArray;
@@ -49,6 +58,7 @@ class CPUGraphView : public GraphView
 {
 protected:
     void drawGraphInRect(QImage &image, const QRectF &rect) const override;
+    std::optional<qsizetype> indexAt(double x, double width) const override;
 };
 
 /// Network traffic, in or out: a quiet line stays low. Every sample is drawn; where one is not a

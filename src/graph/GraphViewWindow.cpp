@@ -9,6 +9,7 @@
 
 #include <QCloseEvent>
 #include <QGuiApplication>
+#include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -30,6 +31,7 @@ GraphViewWindow::GraphViewWindow(WindowServices *services)
     : DraggableClearWindow(services)
     , m_closeButton(addButton(QStringLiteral("Close")))
     , m_settingButton(addButton(QStringLiteral("Settings")))
+    , m_toolTip(this, [this](QPoint place) { return textAt(place); })
 {
     connect(m_closeButton, &QAbstractButton::clicked, this, &GraphViewWindow::closeWindow);
     connect(m_settingButton, &QAbstractButton::clicked, this, &GraphViewWindow::showSettingPanel);
@@ -88,6 +90,36 @@ void GraphViewWindow::graphChanged()
         m_content.characterColor = m_viewSetting->characterColor();
     }
     setNeedsDisplay();
+    // Every sample moves those before it.
+    m_toolTip.refresh();
+}
+
+/// Empty where nothing is to be told.
+QString GraphViewWindow::textAt(QPoint place) const
+{
+    if (!m_graphView || !m_sampleText) {
+        return {};
+    }
+    // Amid the pixel to which the pointer points.
+    const std::optional<std::size_t> back = m_graphView->sampleAt(place.x() + 0.5, width());
+    return back ? m_sampleText(*back) : QString();
+}
+
+bool GraphViewWindow::event(QEvent *event)
+{
+    if (event->type() != QEvent::ToolTip) {
+        return DraggableClearWindow::event(event);
+    }
+    event->setAccepted(m_toolTip.show(static_cast<QHelpEvent *>(event)->pos()));
+    return true;
+}
+
+void GraphViewWindow::mouseMoveEvent(QMouseEvent *event)
+{
+    DraggableClearWindow::mouseMoveEvent(event);
+    if (event->buttons() == Qt::NoButton) {
+        m_toolTip.follow(event->position().toPoint());
+    }
 }
 
 void GraphViewWindow::contentChanged(const GraphPictureContent &content)
@@ -217,8 +249,15 @@ void GraphViewWindow::mouseUp(QMouseEvent *event)
     DraggableClearWindow::mouseUp(event);
 }
 
+void GraphViewWindow::leaveEvent(QEvent *event)
+{
+    m_toolTip.end();
+    DraggableClearWindow::leaveEvent(event);
+}
+
 void GraphViewWindow::hideEvent(QHideEvent *event)
 {
+    m_toolTip.end();
     // The drag ends here, and its release will not be told.
     DraggableClearWindow::hideEvent(event);
     leaveAfterResize();

@@ -3,9 +3,13 @@
 #include "graph/DraggableClearWindow.h"
 #include "graph/Fade.h"
 #include "graph/GraphPicture.h"
+#include "graph/PointedToolTip.h"
 
 #include <QPointer>
 #include <QTimer>
+
+#include <functional>
+#include <utility>
 
 namespace pulsebar {
 
@@ -21,6 +25,9 @@ class GraphViewWindow : public DraggableClearWindow
     Q_OBJECT
 
 public:
+    /// @param back counted from the newest sample of the graph, which is 0
+    using SampleText = std::function<QString(std::size_t back)>;
+
     explicit GraphViewWindow(WindowServices *services);
     ~GraphViewWindow() override;
 
@@ -30,6 +37,9 @@ public:
     void setGraphView(GraphView *graphView);
     void setCaption(const QString &caption);
     void setLastValue(const QString &lastValue);
+    /// Tells about single samples in a tooltip under the pointer.
+    /// @param sampleText answers a plain text; empty: there is nothing to tell
+    void setSampleText(SampleText sampleText) { m_sampleText = std::move(sampleText); }
     /// What is shown beside the graph.
     const GraphPictureContent &content() const { return m_content; }
 
@@ -56,10 +66,13 @@ Q_SIGNALS:
     void showSettingPanel();
 
 protected:
+    bool event(QEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
     void mouseEntered(TrackingRectTag tag) override;
     void mouseExited(TrackingRectTag tag) override;
     void mouseUp(QMouseEvent *event) override;
     void paintContent(QPainter &painter, float opacity) override;
+    void leaveEvent(QEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void changeEvent(QEvent *event) override;
@@ -75,6 +88,7 @@ private:
     void graphChanged();
     void contentChanged(const GraphPictureContent &content);
     void buttonsChanged();
+    QString textAt(QPoint place) const;
 
     GraphWindowButton *m_closeButton;
     GraphWindowButton *m_settingButton;
@@ -82,6 +96,8 @@ private:
     GraphView *m_graphView = nullptr;
     GraphPictureContent m_content;
     GraphPicture m_picture;
+    SampleText m_sampleText;
+    PointedToolTip m_toolTip;
     QTimer m_changeAlphaTimer;
     Fade m_fade;
     bool m_underThreshold = false;

@@ -64,6 +64,9 @@ void GraphWindowController::windowDidLoad()
     m_graphView->setViewSetting(m_viewSetting.get());
     m_window->setGraphView(m_graphView.get());
     m_window->setCaption(m_series.caption());
+    if (m_parts.sampleText)
+        m_window->setSampleText(
+            [this](std::size_t back) { return m_parts.sampleText(m_series.windowKey, back); });
     m_positioning.start();
     registerMyNotifications();
 }

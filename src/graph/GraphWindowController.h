@@ -30,6 +30,8 @@ struct GraphWindowParts
     std::function<ScreenSpace()> screens = currentScreenSpace;
     /// Asks whoever holds the windows to close that of a key.
     std::function<void(const QString &windowKey)> closeGraphViewForKey = {};
+    /// What there is to tell about a sample of a series, counted back from its newest one; plain.
+    std::function<QString(const QString &windowKey, std::size_t back)> sampleText = {};
 };
 
 /// One graph on the screen: its window, its drawing, its settings and the panel that edits them.

@@ -3,6 +3,7 @@
 #include "menu/MenuRows.h"
 #include "menu/StatisticsRows.h"
 #include "menu/TitleTypes.h"
+#include "util/GraphKeys.h"
 #include "util/Localisation.h"
 #include "util/Values.h"
 
@@ -54,7 +55,7 @@ MenuItem newCPUMenuItemWithTitle(const QString &title)
 
 MenuItem usageMenuForCore(const QVariantMap &core, int coreNumber)
 {
-    auto submenu = std::make_shared<Menu>(QStringLiteral("CPUUsage__CPU%1").arg(coreNumber));
+    auto submenu = std::make_shared<Menu>(graphkeys::core(coreNumber));
     for (const Share &share : kShares) {
         const double percent = percentOf(core, QString::fromLatin1(share.key));
         submenu->addItem(newCPUMenuItemWithTitle(
@@ -71,7 +72,7 @@ MenuItem usageMenuForCore(const QVariantMap &core, int coreNumber)
 
 MenuItem CPUMenuItem(const QVariantMap &topDict)
 {
-    auto submenu = std::make_shared<Menu>(QStringLiteral("CPUTotalUsage"));
+    auto submenu = std::make_shared<Menu>(graphkeys::totalCpu());
     addLoadStatistics(*submenu, topDict);
     submenu->addItem(MenuItem::separatorItem());
     int coreNumber = 0;

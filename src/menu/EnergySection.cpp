@@ -2,6 +2,7 @@
 
 #include "menu/MenuRows.h"
 #include "menu/StatisticsRows.h"
+#include "util/GraphKeys.h"
 #include "util/Localisation.h"
 #include "util/Text.h"
 #include "util/Values.h"
@@ -45,7 +46,7 @@ int sortPowerUsageText(const QString &one, const QString &other)
 
 MenuItem powerUsageMenuItem(const QVariantMap &shares, const QVariantMap &topDict)
 {
-    auto submenu = std::make_shared<Menu>(QStringLiteral("CPUTotalUsage"));
+    auto submenu = std::make_shared<Menu>(graphkeys::totalCpu());
     addOneMinuteStatics(topDict.value(QStringLiteral("EnergyConsumptionMinuteStats")),
                         QStringLiteral("%"), submenu.get(), 1.0F);
     submenu->addItem(MenuItem::separatorItem());

@@ -3,6 +3,7 @@
 #include "menu/MenuRows.h"
 #include "menu/StatisticsRows.h"
 #include "menu/TitleTypes.h"
+#include "util/GraphKeys.h"
 #include "util/Localisation.h"
 #include "util/Values.h"
 
@@ -39,7 +40,7 @@ void addValues(Menu &menu, const QVariantMap &fan, const QVariantList &fanKeys)
 
 std::shared_ptr<const Menu> averageAndFans(const QVariantList &fans, const FanMenuState &state)
 {
-    auto submenu = std::make_shared<Menu>(QStringLiteral("FanMove__FanAverage"));
+    auto submenu = std::make_shared<Menu>(graphkeys::fanAverage());
     submenu->addItem(MenuItem::separatorItem());
     addSpeedStatistics(*submenu,
                        state.minuteStats.isEmpty() ? QVariant() : state.minuteStats.constLast());
@@ -54,7 +55,7 @@ std::shared_ptr<const Menu> averageAndFans(const QVariantList &fans, const FanMe
 
 MenuItem makeFanMoveMenuForFanDict(const QVariantMap &fan, int number, const FanMenuState &state)
 {
-    auto submenu = std::make_shared<Menu>(QStringLiteral("FanMove__Fan%1").arg(number));
+    auto submenu = std::make_shared<Menu>(graphkeys::fan(number));
     addValues(*submenu, fan, state.fanKeys);
     submenu->addItem(MenuItem::separatorItem());
     addSpeedStatistics(*submenu, state.minuteStats.value(number));

@@ -2,6 +2,7 @@
 
 #include "menu/MenuRows.h"
 #include "menu/StatisticsRows.h"
+#include "util/GraphKeys.h"
 #include "util/Localisation.h"
 #include "util/Sizes.h"
 #include "util/Values.h"
@@ -106,7 +107,7 @@ std::shared_ptr<Menu> menuForStaticsForNetwork(const QVariant &record, const QSt
     if (!isDictionary(record))
         return nullptr;
     const QVariantMap values = record.toMap();
-    auto menu = std::make_shared<Menu>(QStringLiteral("Network__") + title);
+    auto menu = std::make_shared<Menu>(graphkeys::traffic(title));
     for (const char *name : kStatisticsKeys) {
         const QString key = QString::fromLatin1(name);
         menu->addItem(actionItem(plainFormat(u"%@: %@", localizedString(key), sizeOf(values, name)),

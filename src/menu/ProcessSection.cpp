@@ -3,6 +3,7 @@
 #include "menu/MenuRows.h"
 #include "menu/StatisticsRows.h"
 #include "platform/Processes.h"
+#include "util/GraphKeys.h"
 #include "util/Localisation.h"
 #include "util/Values.h"
 
@@ -144,7 +145,7 @@ MenuItem processMenuItemForDictionary(const QVariantMap &process, const ProcessM
         item.image = state.iconForPID(names.pid);
     item.process = heldProcess(names.pid, state);
 
-    auto submenu = std::make_shared<Menu>(QStringLiteral("CPUUsage__") + names.key);
+    auto submenu = std::make_shared<Menu>(graphkeys::process(names.key));
     addDetails(*submenu, process);
     addUsage(*submenu, names.key, state);
     const bool hasPath = state.pathForPID && !state.pathForPID(names.pid).isEmpty();

@@ -3,6 +3,7 @@
 #include "menu/MenuRows.h"
 #include "menu/StatisticsRows.h"
 #include "menu/TitleTypes.h"
+#include "util/GraphKeys.h"
 #include "util/Localisation.h"
 #include "util/Values.h"
 
@@ -42,7 +43,7 @@ std::shared_ptr<const Menu> statisticsBelow(const QString &key, const Temperatur
     const QVariant record = state.minuteStats.value(key);
     if (!isDictionary(record))
         return nullptr;
-    auto submenu = std::make_shared<Menu>(QStringLiteral("Temperature__") + key);
+    auto submenu = std::make_shared<Menu>(graphkeys::temperature(key));
     addOneMinuteStatics(record, unitSign(state.fahrenheit), submenu.get(), 1.0F);
     return submenu;
 }

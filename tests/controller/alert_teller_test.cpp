@@ -113,17 +113,21 @@ TEST(AlarmText, TemperaturesAreInTheScaleThatIsShown)
 
 TEST(AlertGraph, IsTheSeriesThatIsWatched)
 {
-    const auto keyOf = [](AlertSubject subject, const char *part = "") {
-        AlertRule rule;
-        rule.subject = subject;
-        rule.part = s(part);
-        return alertGraphKey(rule);
+    const auto keyOf = [](AlertSubject subject, const char *part = "", qint64 culprit = 0) {
+        Alarm alarm;
+        alarm.rule.subject = subject;
+        alarm.rule.part = s(part);
+        alarm.culprit = Culprit{s("its name, cut\u2026"), culprit, 0.5};
+        return alertGraphKey(alarm);
     };
     EXPECT_EQ(keyOf(AlertSubject::CpuLoad), s("CPUTotalUsage"));
     EXPECT_EQ(keyOf(AlertSubject::NetworkIn), s("Network__NetworkInMinuteStats"));
     EXPECT_EQ(keyOf(AlertSubject::NetworkOut), s("Network__NetworkOutMinuteStats"));
     EXPECT_EQ(keyOf(AlertSubject::Temperature, "CPU Die"), s("Temperature__CPU Die"));
     EXPECT_EQ(keyOf(AlertSubject::ProcessShare, "412//cc1"), s("CPUUsage__412//cc1"));
+    EXPECT_EQ(keyOf(AlertSubject::ProcessShare, "412//cc1", 412), s("CPUUsage__412//cc1"));
+    EXPECT_EQ(keyOf(AlertSubject::ProcessShare, "cc1", 412), s("CPUUsage__412//cc1"));
+    EXPECT_EQ(keyOf(AlertSubject::ProcessShare, "cc1"), s("CPUUsage__cc1"));
     EXPECT_EQ(keyOf(AlertSubject::Fans), s("FanMove__FanAverage"));
     EXPECT_EQ(keyOf(AlertSubject::BatteryPercent), QString());
     EXPECT_EQ(keyOf(AlertSubject::CableUnplugged), QString());

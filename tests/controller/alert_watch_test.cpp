@@ -67,7 +67,7 @@ protected:
         if (dict.contains(s("NetStatistics")))
             events.checkNetwork(observed, dict);
         events.checkProcesses(observed, recordOf);
-        history.add(dict, seconds * 1000);
+        history.add(dict, seconds * 1000, ++loads);
         watch.sampleTaken(dict, seconds * 1000);
     }
     void cpu(double load, qint64 seconds) { sample(cpuSample(load), seconds); }
@@ -76,6 +76,7 @@ protected:
     static QStringList ended(const QString &id) { return {s("ended ") + id}; }
     const QStringList nothing;
 
+    quint64 loads = 0;
     QTemporaryDir folder;
     Settings settings{folder.filePath(s("Pulsebar.conf"))};
     Alerts alerts{settings};

@@ -111,7 +111,7 @@ TEST_F(AlertWiringTest, AProcesssShareIsToldAndItsActionsReachThatProcess)
         << notifications.visible.value(id).body.toStdString();
 
     notifications.listener->notificationActionChosen(id, s("show"));
-    EXPECT_EQ(graphs.graphWindowKeys(), QStringList{s("CPUUsage__Web Content")});
+    EXPECT_EQ(graphs.graphWindowKeys(), QStringList{s("CPUUsage__412//Web Content")});
     EXPECT_EQ(item.menusOpened, 0);
     notifications.listener->notificationActionChosen(id, s("quit"));
     EXPECT_EQ(culprit->askedToEnd, 1);

@@ -120,6 +120,35 @@ TEST_F(ControllerAlertsTest, EverySampleIsKeptWithItsCulprits)
     EXPECT_EQ(controller->culprits().newest(1)->processes().value(0).name, s("hog"));
 }
 
+TEST_F(ControllerAlertsTest, TellsOfEachSampleThatTheLoadsGraphDraws)
+{
+    start();
+    const auto textOf = [this](std::size_t back) {
+        return controller->sampleText(s("CPUTotalUsage"), back).mid(s("14:03:12").size());
+    };
+    EXPECT_EQ(textOf(0), QString());
+    sample(0);
+    sample(50, "PID COMMAND %CPU\n412 hog 47.0\n");
+    // The cores cannot be read: there is a sample, but no value in the series.
+    cores.answer.clear();
+    monitor->loadTopInfo("PID COMMAND %CPU\n413 unseen 99.0\n");
+    EXPECT_EQ(textOf(0), s(" 50.0%: hog"));
+    // Nor is one drawn of a sample that nobody published.
+    sample(20, "PID COMMAND %CPU\n414 other 9.0\n");
+    cores.answer = {fakes::core(0, m_work += 70, m_ticks += 100)};
+    monitor->staticsDataDict();
+    sample(30, "PID COMMAND %CPU\n415 newest 29.0\n415 <b> 1.0\n");
+    const UsageCache drawn = monitor->cacheDataForKey(s("CPUTotalUsage")).value_or(UsageCache());
+    EXPECT_EQ(drawn, (UsageCache{0.5, 0.2, 0.7, 0.3}));
+    EXPECT_EQ(textOf(0), s(" 30.0%: newest, <b>"));
+    EXPECT_EQ(textOf(1), QString());
+    EXPECT_EQ(textOf(2), s(" 20.0%: other"));
+    EXPECT_EQ(textOf(3), s(" 50.0%: hog"));
+    EXPECT_EQ(textOf(4), QString());
+    EXPECT_EQ(controller->sampleText(s("CPUUsage__CPU1"), 0), QString());
+    EXPECT_EQ(controller->sampleText(s("CPUUsage__412//hog"), 0), QString());
+}
+
 TEST_F(ControllerAlertsTest, CulpritsInTheirWireForm)
 {
     start();

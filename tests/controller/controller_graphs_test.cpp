@@ -125,6 +125,21 @@ TEST_F(ControllerGraphsTest, OpenOnesComeBackInTheirOrder)
     EXPECT_EQ(second.registry.graphWindowKeys(), (QStringList{process, cpu}));
 }
 
+TEST_F(ControllerGraphsTest, WhileTheyAreFedTheNewestSampleIsKnown)
+{
+    ProgramRun run(fileName);
+    run.start();
+    run.monitor.loadTopInfo(kSample);
+    run.registry.showGraphViewForKey(cpu);
+    QStringList texts;
+    run.graphs.of(cpu).onCall = [&](const QString & /*call*/) {
+        texts += run.controller->sampleText(cpu, 0).mid(s("14:03:12").size());
+    };
+    run.cores.answer = {{0, 200, 0, 50, 850}, {1, 300, 0, 50, 750}};
+    run.monitor.loadTopInfo(kSample);
+    EXPECT_EQ(texts, QStringList{s(" 100.0%: Web Content")});
+}
+
 TEST_F(ControllerGraphsTest, AreShownAgainAfterTheyWereHidden)
 {
     {

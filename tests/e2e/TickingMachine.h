@@ -1,5 +1,6 @@
 #pragma once
 
+#include "e2e/SensorMachine.h"
 #include "support/Text.h"
 
 #include <QByteArray>
@@ -55,6 +56,39 @@ private:
     QTimer m_timer;
     qint64 m_user = 1000;
     qint64 m_idle = 1000;
+};
+
+/// A process of a recorded machine that keeps one processor busy.
+class TickingProcess
+{
+public:
+    TickingProcess(SensorMachine &machine, int number, const QByteArray &name)
+        : m_beginning(QByteArray::number(number) + " (" + name + ") R 1 1 1 0 -1 0 0 0 0 0 ")
+    {
+        const QString file = s("proc/%1/stat").arg(number);
+        machine.write(file, "");
+        m_stat.setFileName(machine.path(file));
+        if (!m_stat.open(QIODevice::ReadWrite | QIODevice::Unbuffered))
+            throw std::runtime_error("the recorded machine cannot be written");
+        work();
+        QObject::connect(&m_timer, &QTimer::timeout, [this] { work(); });
+        m_timer.start(100);
+    }
+
+private:
+    void work()
+    {
+        m_ticks += 10;
+        // In place and at one length, as the kernel's files look to a reader.
+        m_stat.seek(0);
+        m_stat.write(m_beginning + QByteArray::number(m_ticks).rightJustified(10, '0') +
+                     " 0 0 0 20 0 1 0 100" + QByteArray(" 0").repeated(30) + "\n");
+    }
+
+    QByteArray m_beginning;
+    QFile m_stat;
+    QTimer m_timer;
+    qint64 m_ticks = 0;
 };
 
 } // namespace pulsebar::e2e

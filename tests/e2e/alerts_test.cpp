@@ -40,39 +40,6 @@ QVariantMap heatEntry(const char *name)
     return with(with(entry(17, 0, 80), "temperaturePart", s("CPU Die")), "name", s(name));
 }
 
-/// A process of a recorded machine that keeps one processor busy.
-class TickingProcess
-{
-public:
-    TickingProcess(SensorMachine &machine, int number, const QByteArray &name)
-        : m_beginning(QByteArray::number(number) + " (" + name + ") R 1 1 1 0 -1 0 0 0 0 0 ")
-    {
-        const QString file = s("proc/%1/stat").arg(number);
-        machine.write(file, "");
-        m_stat.setFileName(machine.path(file));
-        if (!m_stat.open(QIODevice::ReadWrite | QIODevice::Unbuffered))
-            throw std::runtime_error("the recorded machine cannot be written");
-        work();
-        QObject::connect(&m_timer, &QTimer::timeout, [this] { work(); });
-        m_timer.start(100);
-    }
-
-private:
-    void work()
-    {
-        m_ticks += 10;
-        // In place and at one length, as the kernel's files look to a reader.
-        m_stat.seek(0);
-        m_stat.write(m_beginning + QByteArray::number(m_ticks).rightJustified(10, '0') +
-                     " 0 0 0 20 0 1 0 100" + QByteArray(" 0").repeated(30) + "\n");
-    }
-
-    QByteArray m_beginning;
-    QFile m_stat;
-    QTimer m_timer;
-    qint64 m_ticks = 0;
-};
-
 class AlertsTest : public ::testing::Test
 {
 protected:

@@ -24,6 +24,17 @@ QVariantMap sampleOf(double total, std::initializer_list<Listed> processes)
     return {{s("CPUUsageCoreAverage"), total}, {s("ProcessList"), list}};
 }
 
+/// A history whose samples all bring a load of their own.
+class CountedHistory : public CulpritHistory
+{
+public:
+    using CulpritHistory::add;
+    void add(const QVariantMap &sample, qint64 time) { add(sample, time, ++m_loads); }
+
+private:
+    quint64 m_loads = 0;
+};
+
 QString names(const CulpritSample &sample)
 {
     QStringList all;
@@ -34,7 +45,7 @@ QString names(const CulpritSample &sample)
 
 TEST(CulpritHistory, KeepsTheThreeBusiestInWhateverOrderTheyAreListed)
 {
-    CulpritHistory history;
+    CountedHistory history;
     history.add(sampleOf(0.5, {{"a", 11, "0.100000"},
                                {"b", 12, "0.000000"},
                                {"c", 13, "1.500000"},
@@ -52,7 +63,7 @@ TEST(CulpritHistory, KeepsTheThreeBusiestInWhateverOrderTheyAreListed)
 
 TEST(CulpritHistory, ASampleMayHaveNoLoadOrNoProcesses)
 {
-    CulpritHistory history;
+    CountedHistory history;
     history.add({{s("ProcessList"), QVariantList()}}, 1);
     EXPECT_EQ(history.size(), 0U);
     EXPECT_FALSE(history.newest());
@@ -66,7 +77,7 @@ TEST(CulpritHistory, ASampleMayHaveNoLoadOrNoProcesses)
 
 TEST(CulpritHistory, ForgetsWhatIsOlderThanTenMinutes)
 {
-    CulpritHistory history;
+    CountedHistory history;
     for (int i = 0; i <= 300; ++i)
         history.add(sampleOf(0.1, {}), i * 3000);
     EXPECT_EQ(history.size(), 201U);
@@ -76,7 +87,7 @@ TEST(CulpritHistory, ForgetsWhatIsOlderThanTenMinutes)
 
 TEST(CulpritHistory, IsBoundedHoweverOftenItIsFed)
 {
-    CulpritHistory history;
+    CountedHistory history;
     for (int i = 0; i < 2000; ++i)
         history.add(sampleOf(0.1, {}), 5);
     EXPECT_EQ(history.size(), CulpritHistory::kMostSamples);
@@ -84,7 +95,7 @@ TEST(CulpritHistory, IsBoundedHoweverOftenItIsFed)
 
 TEST(CulpritHistory, AClockSetBackLosesNothing)
 {
-    CulpritHistory history;
+    CountedHistory history;
     history.add(sampleOf(0.1, {}), 10'000'000);
     history.add(sampleOf(0.2, {}), 1'000);
     EXPECT_EQ(history.size(), 2U);
@@ -95,7 +106,7 @@ TEST(CulpritHistory, AClockSetBackLosesNothing)
 
 TEST(CulpritHistory, AnswersTheLastSeconds)
 {
-    CulpritHistory history;
+    CountedHistory history;
     for (int i = 1; i <= 10; ++i)
         history.add(sampleOf(i / 10.0, {}), i * 1000);
     const auto totals = [&](quint32 seconds) {
@@ -112,7 +123,7 @@ TEST(CulpritHistory, AnswersTheLastSeconds)
 
 TEST(CulpritHistory, NamesAreBoundedAndPrintable)
 {
-    CulpritHistory history;
+    CountedHistory history;
     const std::string longName(500, 'x');
     history.add(sampleOf(0.1, {{longName.c_str(), 5, "0.5"}, {"a\nb", 6, "0.4"}}), 1);
     const QList<Culprit> processes = history.newest()->processes();
@@ -122,7 +133,7 @@ TEST(CulpritHistory, NamesAreBoundedAndPrintable)
 
 TEST(CulpritHistory, AProcessThatStaysSharesItsName)
 {
-    CulpritHistory history;
+    CountedHistory history;
     history.add(sampleOf(0.1, {{"hog", 5, "0.5"}}), 1);
     history.add(sampleOf(0.1, {{"other", 6, "0.6"}, {"hog", 5, "0.5"}}), 2);
     EXPECT_EQ(history.newest(0)->processes()[1].name.constData(),
@@ -131,7 +142,7 @@ TEST(CulpritHistory, AProcessThatStaysSharesItsName)
 
 TEST(CulpritHistory, TheBusiestOverSeveralSamplesGoByName)
 {
-    CulpritHistory history;
+    CountedHistory history;
     history.add(sampleOf(0.9, {{"early", 2, "4.0"}}), 1);
     history.add(sampleOf(0.9, {{"cc1plus", 10, "0.6"}, {"steady", 5, "0.5"}}), 2);
     history.add(
@@ -146,9 +157,45 @@ TEST(CulpritHistory, TheBusiestOverSeveralSamplesGoByName)
     EXPECT_FALSE(history.busiest(0));
 }
 
-TEST(CulpritText, TimeLoadAndNames)
+TEST(CulpritHistory, FindsTheSampleThatBroughtALoad)
 {
     CulpritHistory history;
+    EXPECT_FALSE(history.ofLoad(0));
+    history.add(sampleOf(0.1, {}), 1000, 5);
+    history.add(sampleOf(0.2, {}), 2000, 6);
+    // The cores could not be read twice, and one load belongs to no sample.
+    history.add(sampleOf(0.2, {}), 3000, 6);
+    history.add(sampleOf(0.2, {}), 4000, 6);
+    history.add(sampleOf(0.4, {}), 5000, 8);
+    const auto timeOf = [&](std::size_t back) {
+        const auto sample = history.ofLoad(back);
+        return sample ? sample->time : -1;
+    };
+    EXPECT_EQ(timeOf(0), 5000);
+    EXPECT_EQ(timeOf(1), -1);
+    EXPECT_EQ(timeOf(2), 2000);
+    EXPECT_EQ(timeOf(3), 1000);
+    EXPECT_EQ(timeOf(4), -1) << "older than all that is kept";
+    EXPECT_EQ(timeOf(100), -1) << "before the first load that there was";
+    history.add(sampleOf(0.4, {}), 6000, 8);
+    EXPECT_EQ(timeOf(0), 5000) << "who used most when it was measured";
+}
+
+TEST(CulpritHistory, LoadsAreFoundAfterTheClockWasSet)
+{
+    CulpritHistory history;
+    history.add(sampleOf(0.1, {}), 9'000'000, 1);
+    history.add(sampleOf(0.2, {}), 1'000, 2);
+    EXPECT_EQ(history.ofLoad(1)->time, 9'000'000);
+    // An hour on: all before it count as old.
+    history.add(sampleOf(0.3, {}), 90'000'000, 3);
+    EXPECT_EQ(history.ofLoad(0)->time, 90'000'000);
+    EXPECT_FALSE(history.ofLoad(1));
+}
+
+TEST(CulpritText, TimeLoadAndNames)
+{
+    CountedHistory history;
     const QDateTime time(QDate(2024, 2, 3), QTime(14, 3, 12, 900));
     history.add(sampleOf(0.921, {{"cc1plus", 10, "0.6"}, {"Web Content", 5, "0.5"}}),
                 time.toMSecsSinceEpoch());

@@ -51,6 +51,46 @@ TEST(CpuFullScale, IsNotMisledBySamplesThatAreNoNumbers)
     EXPECT_EQ(cpuFullScale(samples({1.0, infinity})), infinity);
 }
 
+TEST(CpuGraphSampleAt, IsTheOneWhosePointIsNearest)
+{
+    const UsageCache five = samples({0, 0.25, 0.5, 0.75, 0.25}); // at 1, 50, 99, 148 and 197
+    for (const auto &[x, index] : {std::pair(1.0, 0),
+                                   {25.0, 0},
+                                   {26.0, 1},
+                                   {74.0, 1},
+                                   {75.0, 2},
+                                   {172.0, 3},
+                                   {173.0, 4},
+                                   {197.0, 4}})
+        EXPECT_EQ(cpuGraphSampleAt(five, 200, x), index) << x;
+}
+
+TEST(CpuGraphSampleAt, AgreesWithEveryPointThatIsDrawn)
+{
+    UsageCache many;
+    for (int i = 0; i < 61; ++i)
+        many.append(i % 7 == 3 ? notANumber : i / 61.0);
+    const auto points = cpuGraphPoints(many, windowSize);
+    qsizetype drawn = 0;
+    for (qsizetype i = 0; i < many.size(); ++i) {
+        if (!std::isnan(many[i].toDouble())) {
+            EXPECT_EQ(cpuGraphSampleAt(many, 200, points[drawn++].x()), i);
+        }
+    }
+    EXPECT_EQ(drawn, points.size());
+}
+
+TEST(CpuGraphSampleAt, BeyondTheLineIsItsEnd)
+{
+    EXPECT_EQ(cpuGraphSampleAt(samples({1, 2, 3}), 200, -1e9), 0);
+    EXPECT_EQ(cpuGraphSampleAt(samples({1, 2, 3}), 200, 1e9), 2);
+    EXPECT_EQ(cpuGraphSampleAt(samples({1, 2, notANumber}), 200, 199), 1);
+    EXPECT_EQ(cpuGraphSampleAt(samples({1}), 200, 100), 0);
+    EXPECT_EQ(cpuGraphSampleAt(samples({1, 2}), 3, 2), 0) << "a view without room for a line";
+    EXPECT_EQ(cpuGraphSampleAt(samples({notANumber, notANumber}), 200, 100), std::nullopt);
+    EXPECT_EQ(cpuGraphSampleAt({}, 200, 100), std::nullopt);
+}
+
 TEST(CpuGraphPoints, GoFromOneToTheInsetWidthBeyondIt)
 {
     const auto points = cpuGraphPoints(samples({0, 0.25, 0.5, 0.75, 0.25}), windowSize);

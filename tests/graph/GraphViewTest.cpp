@@ -95,6 +95,26 @@ void expectLineOfTwoPoints(const QImage &image, QVector<QPointF> upward)
 
 } // namespace
 
+TEST(GraphViewSamples, AreCountedBackFromTheNewest)
+{
+    CPUGraphView view;
+    view.setUsageCacheArray(samples({0, 0.25, 0.5, 0.75, 0.25})); // at 1, 50, 99, 148 and 197
+    EXPECT_EQ(view.sampleAt(197.5, 200), 0U);
+    EXPECT_EQ(view.sampleAt(99.5, 200), 2U);
+    EXPECT_EQ(view.sampleAt(0.5, 200), 4U);
+}
+
+TEST(GraphViewSamples, AreThereWhereALineIs)
+{
+    CPUGraphView cpu;
+    EXPECT_EQ(cpu.sampleAt(100, 200), std::nullopt);
+    cpu.setUsageCacheArray(samples({0, 0.25, 0.5, 0.75}));
+    EXPECT_EQ(cpu.sampleAt(100, 200), std::nullopt);
+    NetworkGraphView network;
+    network.setUsageCacheArray(lively);
+    EXPECT_EQ(network.sampleAt(100, 200), std::nullopt);
+}
+
 TEST(GraphView, ShowsOnlyItsBackgroundWithFourSamples)
 {
     const Shown shown;

@@ -111,7 +111,7 @@ void XDisplay::collect(quint32 window, QList<XWindow> &into) const
         const Reply<xcb_translate_coordinates_reply_t> place(
             xcb_translate_coordinates_reply(connection, placeCookie, nullptr));
         const QString title = QString::fromUtf8(property(child, atom("_NET_WM_NAME")));
-        if (geometry && attributes && place && !title.isEmpty())
+        if (geometry && attributes && place)
             into +=
                 {child, title, QRect(place->dst_x, place->dst_y, geometry->width, geometry->height),
                  attributes->map_state == XCB_MAP_STATE_VIEWABLE};
@@ -139,11 +139,23 @@ QStringList XDisplay::shownTitles() const
     collect(root(), all);
     QStringList titles;
     for (const XWindow &window : all) {
-        if (window.shown)
+        if (window.shown && !window.title.isEmpty())
             titles += window.title;
     }
     titles.sort();
     return titles;
+}
+
+QList<QRect> XDisplay::shownOfType(const char *type) const
+{
+    QList<XWindow> all;
+    collect(root(), all);
+    QList<QRect> frames;
+    for (const XWindow &window : all) {
+        if (window.shown && atoms(window.id, "_NET_WM_WINDOW_TYPE").value(0) == QLatin1String(type))
+            frames += window.frame;
+    }
+    return frames;
 }
 
 QImage XDisplay::look(const QRect &part) const

@@ -3,6 +3,7 @@
 #include "e2e/Desktop.h"
 
 #include <QImage>
+#include <QList>
 #include <QPoint>
 #include <QRect>
 #include <QString>
@@ -38,6 +39,8 @@ public:
     QRect frame(const QString &title) const;
     /// The titles of all shown windows that have one, sorted.
     QStringList shownTitles() const;
+    /// The frames of the shown windows that are of a type, the first one that they name.
+    QList<QRect> shownOfType(const char *type) const;
     QImage look(const QRect &part) const;
     /// Gives the screen another size, at most the one that it started with.
     void resizeScreen(QSize size) const;

@@ -1,8 +1,8 @@
 // A program that is nothing but an item in the panel, so that a test can tell a panel's part from
 // the rest: shows the title of its first argument and a menu whose first row counts the openings.
 // Each line on its standard input is a command: "title TEXT", "guide TEXT", "image NAME",
-// "length NUMBER", "how automatic|text|icon|strip", "attention on|off", "menu", "quit". What is chosen
-// is printed.
+// "length NUMBER", "how automatic|text|icon|strip", "attention on|off", "menu", "quit". What is
+// chosen is printed.
 #include "platform/Desktop.h"
 #include "statusitem/PanelStatusItem.h"
 
