@@ -58,8 +58,7 @@ TEST(AlertMenu, RowsCarryTheAlertNotItsPlace)
 TEST(AlertMenu, WithoutAlertsThereIsOnlyOneToAdd)
 {
     const MenuItem alerts = makeAlertsMenu({});
-    EXPECT_THAT(titles(*alerts.submenu),
-                ElementsAre("Add Alert\u2026", "Edit\u2026", "Remove"));
+    EXPECT_THAT(titles(*alerts.submenu), ElementsAre("Add Alert\u2026", "Edit\u2026", "Remove"));
     EXPECT_TRUE(alerts.submenu->items().at(0).enabled);
     EXPECT_FALSE(alerts.submenu->items().at(1).enabled);
     EXPECT_FALSE(alerts.submenu->items().at(2).enabled);
