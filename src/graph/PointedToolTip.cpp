@@ -10,12 +10,15 @@ namespace pulsebar {
 
 namespace {
 
-/// The toolkit guesses whether a text is markup. What certainly is leaves it no choice, and is
-/// broken into lines should it be too long for one.
+/// The toolkit guesses whether a text is markup. What certainly is leaves it no choice. It breaks
+/// markup early; only what is too long for one line is to be broken.
 QString asMarkup(const QString &text)
 {
-    return QStringLiteral("<span style=\"white-space:pre-wrap\">") + text.toHtmlEscaped() +
-           QStringLiteral("</span>");
+    static constexpr qsizetype longestLine = 80;
+    const QString spaces =
+        text.size() > longestLine ? QStringLiteral("pre-wrap") : QStringLiteral("pre");
+    return QStringLiteral("<span style=\"white-space:") + spaces + QStringLiteral("\">") +
+           text.toHtmlEscaped() + QStringLiteral("</span>");
 }
 
 } // namespace

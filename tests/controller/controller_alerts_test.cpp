@@ -130,7 +130,7 @@ TEST_F(ControllerAlertsTest, TellsOfEachSampleThatTheLoadsGraphDraws)
     sample(0);
     sample(50, "PID COMMAND %CPU\n412 hog 47.0\n");
     // The cores cannot be read: there is a sample, but no value in the series.
-    cores.answer.clear();
+    cores.answer.reset();
     monitor->loadTopInfo("PID COMMAND %CPU\n413 unseen 99.0\n");
     EXPECT_EQ(textOf(0), s(" 50.0%: hog"));
     // Nor is one drawn of a sample that nobody published.

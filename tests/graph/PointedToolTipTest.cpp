@@ -173,10 +173,13 @@ TEST_F(PointedToolTipTest, TakesNoNameForMarkup)
     }
 }
 
-TEST_F(PointedToolTipTest, ALongTextIsBrokenIntoLines)
+TEST_F(PointedToolTipTest, OnlyALongTextIsBrokenIntoLines)
 {
     ASSERT_TRUE(rest({197, 10}));
     const int line = tip()->height();
+    texts[0] = s("14:03:12 92.1%: cc1plus, Web Content, systemd-journal");
+    ASSERT_TRUE(rest({195, 10}));
+    EXPECT_EQ(tip()->height(), line);
     texts[0] = s("14:03:12 92.1%: ") + s("name ").repeated(50);
     ASSERT_TRUE(rest({196, 10}));
     EXPECT_GT(tip()->height(), line);

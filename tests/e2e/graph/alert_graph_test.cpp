@@ -16,7 +16,7 @@ QVariantMap entry(int type, int falling, double threshold)
     return {{s("type"), type}, {s("observeType"), falling}, {s("threshold"), threshold}};
 }
 
-class AlertGraphTest : public testing::Test
+class AlertGraphTest : public ::testing::Test
 {
 protected:
     AlertGraphTest() { on.machine.setChip(0, s("fan1_input"), "01000"); }

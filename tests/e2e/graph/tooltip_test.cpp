@@ -10,7 +10,7 @@
 namespace pulsebar::e2e {
 namespace {
 
-class TooltipTest : public testing::Test
+class TooltipTest : public ::testing::Test
 {
 protected:
     std::optional<QRect> tooltip()
