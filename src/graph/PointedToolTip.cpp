@@ -11,14 +11,14 @@ namespace pulsebar {
 namespace {
 
 /// The toolkit guesses whether a text is markup. What certainly is leaves it no choice. It breaks
-/// markup early; only what is too long for one line is to be broken.
+/// markup early, but for paragraphs that forbid it; only what is too long for one line is broken.
 QString asMarkup(const QString &text)
 {
     static constexpr qsizetype longestLine = 80;
     const QString spaces =
         text.size() > longestLine ? QStringLiteral("pre-wrap") : QStringLiteral("pre");
-    return QStringLiteral("<span style=\"white-space:") + spaces + QStringLiteral("\">") +
-           text.toHtmlEscaped() + QStringLiteral("</span>");
+    return QStringLiteral("<p style=\"margin:0; white-space:") + spaces + QStringLiteral("\">") +
+           text.toHtmlEscaped() + QStringLiteral("</p>");
 }
 
 } // namespace
