@@ -45,7 +45,8 @@ QString jsonText(const QVariant &value)
         return value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
     case QMetaType::Float: {
         const float number = value.toFloat();
-        return decimalText(std::isfinite(number) ? number : 0.0F);
+        // Without "-0", which a reader takes for 0.
+        return decimalText(std::isfinite(number) && number != 0.0F ? number : 0.0F);
     }
     default:
         return QString::number(value.toInt());

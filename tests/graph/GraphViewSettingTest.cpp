@@ -105,6 +105,15 @@ TEST(GraphViewSetting, EveryFloatComesBackExactly)
     }
 }
 
+TEST(GraphViewSetting, ANumberTooSmallForAFloatIsZeroWithoutASign)
+{
+    const auto setting = GraphViewSetting::decode(s("{\"positionX\":-4e-76}"));
+    ASSERT_TRUE(setting);
+    const auto back = GraphViewSetting::decode(setting->encode());
+    ASSERT_TRUE(back);
+    EXPECT_EQ(back->encode(), setting->encode());
+}
+
 TEST(GraphViewSetting, OpacityAndTextColourAreNeverTakenFromTheStore)
 {
     GraphViewSetting setting;
