@@ -98,7 +98,8 @@ void AlertPanel::makeFields(const AlertEdit &edit)
     m_process->completer()->setCaseSensitivity(Qt::CaseSensitive);
     m_process->lineEdit()->setMaxLength(AlertRule::kLongestText);
     m_name->setMaxLength(AlertRule::kLongestText);
-    m_duration->setRange(0, AlertRule::kLongestDuration);
+    // Room for what is too long, which is then told, instead of a digit that is swallowed.
+    m_duration->setRange(0, 1000 * AlertRule::kLongestDuration);
     m_duration->setSuffix(QStringLiteral(" s")); // the unit's sign, in every language
     m_duration->setSpecialValueText(text("at once"));
     m_problem->setTextFormat(Qt::PlainText);
@@ -149,6 +150,7 @@ void AlertPanel::connectFields()
     connect(m_threshold, &ThresholdField::edited, this, &AlertPanel::refresh);
     connect(m_duration->findChild<QLineEdit *>(), &QLineEdit::textChanged, this,
             &AlertPanel::refresh);
+    connect(m_duration, &QSpinBox::valueChanged, this, &AlertPanel::refresh);
     connect(m_name, &QLineEdit::textChanged, this, &AlertPanel::refresh);
     connect(m_buttons, &QDialogButtonBox::accepted, this, &AlertPanel::accept);
     connect(m_buttons, &QDialogButtonBox::rejected, this, &AlertPanel::reject);

@@ -4,6 +4,7 @@
 #include "views/ByteRates.h"
 
 #include <QComboBox>
+#include <QDoubleSpinBox>
 #include <QHBoxLayout>
 #include <QLineEdit>
 
@@ -19,11 +20,29 @@ bool isRate(AlertSubject subject)
     return subject == AlertSubject::NetworkIn || subject == AlertSubject::NetworkOut;
 }
 
-/// Shows no more decimals than the number has.
-class ShortNumber : public QDoubleSpinBox
+} // namespace
+
+/// Shows no more decimals than the number has. Stays within its limits when stepped, but takes
+/// numbers beyond them from the keyboard: were a digit refused, "150" would become 15 unnoticed.
+class ThresholdField::Number : public QDoubleSpinBox
 {
 public:
     using QDoubleSpinBox::QDoubleSpinBox;
+
+    void setLimits(double least, double most)
+    {
+        m_least = least;
+        m_most = most;
+        static constexpr double kReach = 1000;
+        const double far = kReach * std::max(std::abs(least), std::abs(most));
+        setRange(-far, far);
+    }
+
+    void stepBy(int steps) override
+    {
+        QDoubleSpinBox::stepBy(steps);
+        setValue(std::clamp(value(), m_least, m_most));
+    }
 
     QString textFromValue(double value) const override
     {
@@ -37,14 +56,23 @@ public:
             number.chop(point.size());
         return number;
     }
-};
 
-} // namespace
+protected:
+    StepEnabled stepEnabled() const override
+    {
+        return (value() < m_most ? StepUpEnabled : StepNone) |
+               (value() > m_least ? StepDownEnabled : StepNone);
+    }
+
+private:
+    double m_least = 0;
+    double m_most = 0;
+};
 
 ThresholdField::ThresholdField(bool fahrenheit, QWidget *parent)
     : QWidget(parent)
     , m_fahrenheit(fahrenheit)
-    , m_number(new ShortNumber(this))
+    , m_number(new Number(this))
     , m_unit(new QComboBox(this))
 {
     m_number->setAccessibleName(localizedString(QStringLiteral("Threshold")));
@@ -58,6 +86,8 @@ ThresholdField::ThresholdField(bool fahrenheit, QWidget *parent)
     setFocusProxy(m_number);
     connect(m_number->findChild<QLineEdit *>(), &QLineEdit::textChanged, this,
             &ThresholdField::edited);
+    // A step changes the text silently.
+    connect(m_number, &QDoubleSpinBox::valueChanged, this, &ThresholdField::edited);
     connect(m_unit, &QComboBox::currentIndexChanged, this, [this] {
         fitRange();
         Q_EMIT edited();
@@ -85,7 +115,7 @@ void ThresholdField::fitRange()
     const AlertThresholdRange range = alertThresholdRange(m_subject, m_fahrenheit);
     const bool inBytes = !isRate(m_subject) || unitBytes() == 1.0;
     m_number->setDecimals(inBytes ? range.decimals : byterates::kDecimals);
-    m_number->setRange(range.least / unitBytes(), range.most / unitBytes());
+    m_number->setLimits(range.least / unitBytes(), range.most / unitBytes());
     m_number->setSingleStep(inBytes ? range.step : 1.0);
 }
 
@@ -102,6 +132,11 @@ double ThresholdField::threshold() const
 {
     const double value = m_number->value() * unitBytes();
     return isRate(m_subject) ? std::round(value) : value;
+}
+
+QWidget *ThresholdField::buddy() const
+{
+    return m_number;
 }
 
 bool ThresholdField::isSound() const

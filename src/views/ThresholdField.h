@@ -2,7 +2,6 @@
 
 #include "menu/AlertRule.h"
 
-#include <QDoubleSpinBox>
 #include <QWidget>
 
 class QComboBox;
@@ -22,23 +21,25 @@ public:
     /// In the subject's unit, rates in bytes per second.
     void setThreshold(double threshold);
     double threshold() const;
-    /// Whether what is typed is a number in the range.
+    /// Whether what is typed is a number. It may be one that is of no use: see alertProblem().
     bool isSound() const;
 
     /// The part that a label stands for.
-    QWidget *buddy() const { return m_number; }
+    QWidget *buddy() const;
 
 Q_SIGNALS:
     /// What is typed or chosen is another one.
     void edited();
 
 private:
+    class Number;
+
     double unitBytes() const;
     void fitRange();
 
     bool m_fahrenheit;
     AlertSubject m_subject = AlertSubject::CpuLoad;
-    QDoubleSpinBox *m_number;
+    Number *m_number;
     QComboBox *m_unit;
 };
 

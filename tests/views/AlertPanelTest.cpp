@@ -194,6 +194,33 @@ TEST_F(AlertPanelTest, SaysWhatIsWrongAsOneTypes)
     EXPECT_EQ(m_panel->rule().threshold, 70);
 }
 
+TEST_F(AlertPanelTest, NumbersThatAreTooLargeAreToldAndNotCut)
+{
+    edit(ruleOf(AlertSubject::CpuLoad, 90));
+    auto &threshold = field<QDoubleSpinBox>("Threshold");
+    for (const char *typed : {"150", "-5", "99999999999"}) {
+        threshold.selectAll();
+        QTest::keyClicks(&threshold, s(typed));
+        EXPECT_FALSE(ok().isEnabled()) << typed;
+        EXPECT_EQ(problem(), s("The threshold must lie between 0 and 100.")) << typed;
+        QTest::keyClick(m_panel.get(), Qt::Key_Return);
+        EXPECT_FALSE(m_accepted) << typed;
+    }
+    // Steps lead back, and never out.
+    threshold.stepUp();
+    EXPECT_EQ(threshold.value(), 100);
+    EXPECT_EQ(field<QLineEdit>("Name").placeholderText(), s("CPU above 100%"));
+    EXPECT_TRUE(ok().isEnabled());
+    threshold.stepUp();
+    EXPECT_EQ(threshold.value(), 100);
+
+    auto &duration = field<QSpinBox>("For at least");
+    duration.selectAll();
+    QTest::keyClicks(&duration, s("99999"));
+    EXPECT_EQ(problem(), s("The duration must lie between 0 and 86400 seconds."));
+    EXPECT_FALSE(ok().isEnabled());
+}
+
 TEST_F(AlertPanelTest, ADurationThatIsNoNumberIsNoDuration)
 {
     edit(ruleOf(AlertSubject::CpuLoad, 90));
