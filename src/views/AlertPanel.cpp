@@ -150,7 +150,8 @@ void AlertPanel::connectFields()
     connect(m_threshold, &ThresholdField::edited, this, &AlertPanel::refresh);
     connect(m_duration->findChild<QLineEdit *>(), &QLineEdit::textChanged, this,
             &AlertPanel::refresh);
-    connect(m_duration, &QSpinBox::valueChanged, this, &AlertPanel::refresh);
+    // For what changes the text silently; after the key that did, as with the threshold.
+    connect(m_duration, &QSpinBox::valueChanged, this, &AlertPanel::refresh, Qt::QueuedConnection);
     connect(m_name, &QLineEdit::textChanged, this, &AlertPanel::refresh);
     connect(m_buttons, &QDialogButtonBox::accepted, this, &AlertPanel::accept);
     connect(m_buttons, &QDialogButtonBox::rejected, this, &AlertPanel::reject);

@@ -86,8 +86,10 @@ ThresholdField::ThresholdField(bool fahrenheit, QWidget *parent)
     setFocusProxy(m_number);
     connect(m_number->findChild<QLineEdit *>(), &QLineEdit::textChanged, this,
             &ThresholdField::edited);
-    // A step changes the text silently.
-    connect(m_number, &QDoubleSpinBox::valueChanged, this, &ThresholdField::edited);
+    // A step changes the text silently. So does Return in an empty field, which brings the old
+    // number back: that one is looked at after the key, lest the key accept what nobody saw.
+    connect(m_number, &QDoubleSpinBox::valueChanged, this, &ThresholdField::edited,
+            Qt::QueuedConnection);
     connect(m_unit, &QComboBox::currentIndexChanged, this, [this] {
         fitRange();
         Q_EMIT edited();

@@ -18,6 +18,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <optional>
 
 namespace pulsebar {
@@ -209,8 +210,8 @@ TEST_F(AlertPanelTest, NumbersThatAreTooLargeAreToldAndNotCut)
     // Steps lead back, and never out.
     threshold.stepUp();
     EXPECT_EQ(threshold.value(), 100);
+    EXPECT_TRUE(waitFor([this] { return ok().isEnabled(); }));
     EXPECT_EQ(field<QLineEdit>("Name").placeholderText(), s("CPU above 100%"));
-    EXPECT_TRUE(ok().isEnabled());
     threshold.stepUp();
     EXPECT_EQ(threshold.value(), 100);
 
@@ -219,6 +220,22 @@ TEST_F(AlertPanelTest, NumbersThatAreTooLargeAreToldAndNotCut)
     QTest::keyClicks(&duration, s("99999"));
     EXPECT_EQ(problem(), s("The duration must lie between 0 and 86400 seconds."));
     EXPECT_FALSE(ok().isEnabled());
+}
+
+TEST_F(AlertPanelTest, ReturnAcceptsNoNumberThatItBroughtBackItself)
+{
+    edit(ruleOf(AlertSubject::CpuLoad, 90));
+    const std::array<QAbstractSpinBox *, 2> boxes{&field<QDoubleSpinBox>("Threshold"),
+                                                  &field<QSpinBox>("For at least")};
+    for (QAbstractSpinBox *box : boxes) {
+        box->setFocus();
+        box->findChild<QLineEdit *>()->clear();
+        EXPECT_FALSE(ok().isEnabled());
+        QTest::keyClick(box, Qt::Key_Return);
+        EXPECT_FALSE(m_accepted);
+        // It stands there again for everybody to see.
+        EXPECT_TRUE(waitFor([this] { return ok().isEnabled(); }));
+    }
 }
 
 TEST_F(AlertPanelTest, ADurationThatIsNoNumberIsNoDuration)
