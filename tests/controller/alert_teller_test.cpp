@@ -148,7 +148,7 @@ protected:
             graphs += key;
             return graphsThere;
         };
-        parts.quit = [this](const std::shared_ptr<HeldProcess> &process) { process->askToEnd(); };
+        parts.quit = [](const std::shared_ptr<HeldProcess> &process) { process->askToEnd(); };
         return parts;
     }
     void choose(const char *action)

@@ -167,7 +167,7 @@ TEST_F(AlertWiringTest, EditingChangesTheRuleAndNotTheSwitch)
     const QString first = controller.alerts().add(shareAbove(30));
     const QString second = controller.alerts().add(shareAbove(60));
     const QVector<MenuItem> rows = alertRows();
-    const MenuItem edit = rows.at(rows.size() - 2);
+    const MenuItem &edit = rows.at(rows.size() - 2);
     choose(edit.submenu->items().at(1));
     ASSERT_EQ(edits.size(), 1);
     EXPECT_EQ(edits.at(0).id, second);
