@@ -65,8 +65,10 @@ void GraphSettingWindowController::settingSheetOk()
 void GraphSettingWindowController::settingSheetDidEnd(QDialog &sheet, int /*returnCode*/)
 {
     sheet.hide();
-    // Placed by us from now on: the toolkit would centre it anew, and not quite where it was.
-    sheet.move(sheet.pos());
+    // Placed by us from now on: the toolkit would centre it anew, and not quite where it was. It is
+    // the inside that is placed, here and from the store: how thick the window manager's frame is,
+    // the program may not have learned yet, or not be told at all.
+    sheet.setGeometry(sheet.geometry());
     storeFrame();
 }
 
@@ -80,7 +82,7 @@ void GraphSettingWindowController::storeFrame()
     if (!m_wasShown)
         return;
     const GraphWindowParts &parts = m_mainWindowController.parts();
-    const QRectF frame(m_panel->pos(), m_panel->size());
+    const QRectF frame(m_panel->geometry());
     parts.store.setGraphSetting(frameKey(), textFromRect(parts.screens().flipped(frame)));
 }
 
@@ -97,9 +99,7 @@ void GraphSettingWindowController::restoreFrame()
         return;
     }
     const ScreenSpace space = parts.screens();
-    const QRect placed = space.flipped(movedOntoScreen(*frame, space)).toRect();
-    m_panel->resize(placed.size());
-    m_panel->move(placed.topLeft());
+    m_panel->setGeometry(space.flipped(movedOntoScreen(*frame, space)).toRect());
 }
 
 } // namespace pulsebar

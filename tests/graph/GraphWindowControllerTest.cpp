@@ -443,14 +443,13 @@ TEST_F(GraphWindowControllerTest, ThePanelComesBackWhereItWas)
     const QString key = s("ViewSettingWindow_CPUUsage__412//top");
     const auto controller = open("CPUUsage__412//top");
     controller->showSettingPanel();
-    shownPanel()->resize(460, 420);
-    shownPanel()->move(100, 200);
+    // The inside of the window, whatever frame is around it.
+    shownPanel()->setGeometry(100, 200, 460, 420);
     QTest::keyClick(shownPanel(), Qt::Key_Escape);
     EXPECT_EQ(store.texts.value(key), textFromRect({100, 180, 460, 420}));
     const auto other = open("CPUUsage__412//top");
     other->showSettingPanel();
-    EXPECT_EQ(shownPanel()->pos(), QPoint(100, 200));
-    EXPECT_EQ(shownPanel()->size(), QSize(460, 420));
+    EXPECT_EQ(shownPanel()->geometry(), QRect(100, 200, 460, 420));
 }
 
 TEST_F(GraphWindowControllerTest, ThePanelIsBroughtBackOntoTheScreen)
@@ -458,8 +457,7 @@ TEST_F(GraphWindowControllerTest, ThePanelIsBroughtBackOntoTheScreen)
     store.texts.insert(s("ViewSettingWindow_CPU1"), textFromRect({700, -100, 460, 420}));
     const auto controller = open("CPU1");
     controller->showSettingPanel();
-    EXPECT_EQ(shownPanel()->pos(), QPoint(340, 380));
-    EXPECT_EQ(shownPanel()->size(), QSize(460, 420));
+    EXPECT_EQ(shownPanel()->geometry(), QRect(340, 380, 460, 420));
 }
 
 TEST_F(GraphWindowControllerTest, AMalformedPlaceOfThePanelIsSaidAndLeftAlone)
