@@ -78,6 +78,19 @@ void expectCountedOnce(const std::function<std::uint64_t()> &sum, std::uint64_t 
     EXPECT_LT(sum() - before, sent + sent / 2);
 }
 
+/// The kernel opens new interfaces and the ports of a bridge to traffic in its own time: a second
+/// later where many came and went on the machine. What is sent before that is lost.
+void waitUntilOpen(TestNetwork &network, const std::string &name,
+                   const std::function<std::uint64_t()> &sum)
+{
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    const std::uint64_t before = sum();
+    while (sum() - before < frameSize && std::chrono::steady_clock::now() < deadline) {
+        network.send(name, 1, frameSize);
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+}
+
 TEST(NetlinkInterfaces, AnEmptyNetworkHasItsLoopbackOnly)
 {
     const TestNetwork network;
@@ -108,11 +121,13 @@ TEST(NetlinkInterfaces, TrafficOfAContainerIsCountedOnceThereThoughItPassesAnUpp
     EXPECT_THAT(observer.counted(), ElementsAre("eth0"));
 
     const auto out = [&] { return observer.sum(&InterfaceCounters::outBytes); };
+    waitUntilOpen(container, "upper0", out);
     const auto before = out();
     container.send("upper0", frames, frameSize);
     expectCountedOnce(out, before);
 
     const auto in = [&] { return observer.sum(&InterfaceCounters::inBytes); };
+    waitUntilOpen(world, "veth1", in);
     const auto inBefore = in();
     world.send("veth1", frames, frameSize);
     expectCountedOnce(in, inBefore);
@@ -133,6 +148,7 @@ TEST(NetlinkInterfaces, TrafficThatCrossesABridgeIsCountedOnce)
 
     const auto out = [&] { return observer.sum(&InterfaceCounters::outBytes); };
     const auto in = [&] { return observer.sum(&InterfaceCounters::inBytes); };
+    waitUntilOpen(container, "eth0", out);
     const auto outBefore = out();
     const auto inBefore = in();
     container.send("eth0", frames, frameSize);
@@ -162,6 +178,7 @@ TEST(NetlinkInterfaces, AnUpperInterfaceThatWasMovedIntoAContainerCountsThere)
     Observer observer(container);
     EXPECT_THAT(observer.counted(), ElementsAre("lan0"));
     const auto out = [&] { return observer.sum(&InterfaceCounters::outBytes); };
+    waitUntilOpen(container, "lan0", out);
     const auto before = out();
     container.send("lan0", frames, frameSize);
     expectCountedOnce(out, before);
