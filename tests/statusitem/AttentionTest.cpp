@@ -1,7 +1,7 @@
 // How the item is noticed, whichever face shows it.
 #include "BusTesting.h"
+#include "FakeHost.h"
 #include "FakeTray.h"
-#include "platform/ProcessNames.h"
 #include "statusitem/DBusTypes.h"
 #include "statusitem/IconFile.h"
 #include "statusitem/ItemDrawing.h"
@@ -24,6 +24,8 @@ namespace {
 using testing::Client;
 using testing::FakeTray;
 using testing::FakeWatcher;
+using testing::NamedHost;
+using testing::OneRow;
 using testing::settle;
 using testing::SignalLog;
 using testing::visibleStrip;
@@ -31,24 +33,6 @@ using testing::waitFor;
 
 const QString itemPath = QStringLiteral("/StatusNotifierItem");
 const QString itemInterface = QStringLiteral("org.kde.StatusNotifierItem");
-
-class NamedHost : public ProcessNames
-{
-public:
-    QString programName(qint64) const override { return name; }
-    QString name = QStringLiteral("lxqt-panel");
-};
-
-class OneRow : public MenuDelegate
-{
-public:
-    void menuNeedsUpdate(Menu &menu) override
-    {
-        menu.removeAllItems();
-        menu.addItemWithTitle(QStringLiteral("row"), ItemTarget::None, QStringLiteral("row"));
-    }
-    void performAction(const Menu &, const MenuItem &, Qt::KeyboardModifiers) override {}
-};
 
 /// Whether a picture has a pixel of nearly that colour.
 bool shows(const QImage &picture, const QColor &colour)

@@ -1,8 +1,8 @@
 #include "statusitem/PanelStatusItem.h"
 
 #include "BusTesting.h"
+#include "FakeHost.h"
 #include "FakeTray.h"
-#include "platform/ProcessNames.h"
 #include "statusitem/DBusTypes.h"
 
 #include <QApplication>
@@ -15,6 +15,8 @@ namespace {
 using testing::Client;
 using testing::FakeTray;
 using testing::FakeWatcher;
+using testing::NamedHost;
+using testing::OneRow;
 using testing::PrivateBus;
 using testing::settle;
 using testing::SignalLog;
@@ -24,24 +26,6 @@ using testing::waitFor;
 const QString itemPath = QStringLiteral("/StatusNotifierItem");
 const QString itemInterface = QStringLiteral("org.kde.StatusNotifierItem");
 const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
-
-class NamedHost : public ProcessNames
-{
-public:
-    QString programName(qint64) const override { return name; }
-    QString name = QStringLiteral("lxqt-panel");
-};
-
-class OneRow : public MenuDelegate
-{
-public:
-    void menuNeedsUpdate(Menu &menu) override
-    {
-        menu.removeAllItems();
-        menu.addItemWithTitle(QStringLiteral("row"), ItemTarget::None, QStringLiteral("row"));
-    }
-    void performAction(const Menu &, const MenuItem &, Qt::KeyboardModifiers) override {}
-};
 
 class PanelStatusItemTest : public ::testing::Test
 {
