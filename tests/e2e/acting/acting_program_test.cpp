@@ -25,7 +25,7 @@ protected:
         const QString folder = m_desktop.folder() + s("/libexec");
         QDir().mkpath(folder);
         write(folder + s("/pulsebar-top"),
-              "#!/bin/sh\nwhile :; do cat " + list().toUtf8() + "; sleep 1; done\n");
+              "#!/bin/sh\nwhile cat " + list().toUtf8() + "; do sleep 1; done\n");
         m_desktop.environment().insert(s("PULSEBAR_LIBEXEC_DIR"), folder);
     }
 
